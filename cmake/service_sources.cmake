@@ -1,0 +1,18 @@
+# The service's own sources: the same list builds libvorn_service.z.so on the host and on a
+# device, so keep it the only place where they are named for CMake.
+set(VORN_SERVICE_SOURCES
+  ${CMAKE_CURRENT_LIST_DIR}/../utils/src/vorn_error_code.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../config/vorn_init_config_parser.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../config/vorn_omsa_info.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../utils/src/string_utils.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../utils/src/time_utils.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../utils/src/path.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../utils/src/file_utils.cpp
+)
+set(VORN_SERVICE_INCLUDE_DIRS
+  ${CMAKE_CURRENT_LIST_DIR}/../service
+  ${CMAKE_CURRENT_LIST_DIR}/../config
+  ${CMAKE_CURRENT_LIST_DIR}/../server_logic
+  ${CMAKE_CURRENT_LIST_DIR}/../http
+  ${CMAKE_CURRENT_LIST_DIR}/../utils/include
+)

@@ -1,0 +1,235 @@
+#include "vorn_http_logic.h"
+
+#include <chrono>
+#include <cstdint>
+#include <list>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "http_proxy.h"
+#include "net_conn_client.h"
+#include "string_utils.h"
+#include "vorn_log.h"
+
+namespace OHOS {
+namespace Vorn {
+namespace {
+constexpr const char *GNS_SA_TYPE = "gns";
+constexpr const char *ALLOWED_PROTOCOLS = "https";
+constexpr const char *CIPHER_LIST = "AESGCM:!RSA:!DHE:!MEDIUM:!aNULL:!eNULL:!EXPORT:!DES:!3DES:!MD5:!EXP:!PSK:!RC4:"
+                                    "!SRP:!aECDH:!ADH:!CAMELLIA:!LOW";
+constexpr long MAX_REDIRECTS = 1;
+constexpr long CONNECT_TIMEOUT_SECONDS = 10;
+constexpr long TRANSFER_TIMEOUT_SECONDS = 10;
+constexpr long HTTP_OK = 200;
+constexpr long VERIFY_HOST_NAME = 2;
+constexpr const char *HEAD_BLOCK_SEPARATOR = "\r\n\r\n";
+constexpr const char *LINE_SEPARATOR = "\r\n";
+constexpr const char *CACHE_CONTROL = "Cache-Control";
+constexpr const char *HTTPS_SCHEME = "https://";
+} // namespace
+
+std::mutex HttpLogic::globalInitMutex_;
+bool HttpLogic::globalInited_ = false;
+
+HttpLogic::HttpLogic(VornInitConfigParser::VornRequestInfo info, std::string url)
+    : requestInfo_(std::move(info)), hostName_(std::move(url))
+{
+}
+
+bool HttpLogic::GlobalInit()
+{
+    std::lock_guard<std::mutex> lock(globalInitMutex_);
+    if (globalInited_) {
+        return true;
+    }
+    globalInited_ = curl_global_init(CURL_GLOBAL_ALL) == CURLE_OK;
+    return globalInited_;
+}
+
+int HttpLogic::InitHttpLogic()
+{
+    curl_.reset(curl_easy_init());
+    if (curl_ == nullptr) {
+        VORN_LOGI("HttpLogic:: curl_easy_init failed");
+        return -1;
+    }
+    for (const std::string &header : requestInfo_.requestHeaders) {
+        curl_slist *list = curl_slist_append(headerList_.get(), header.c_str());
+        if (list != nullptr) {
+            (void)headerList_.release();
+            headerList_.reset(list);
+        }
+    }
+    if (requestInfo_.saType != GNS_SA_TYPE) {
+        hostName_ += "?" + requestInfo_.queryHeaders;
+        VORN_LOGI("HttpLogic request mHostName:%{private}s", hostName_.c_str());
+    }
+    nlohmann::json body;
+    body["services"] = requestInfo_.requestBody;
+    postBody_ = body.dump();
+    return 0;
+}
+
+bool HttpLogic::SetRequiredOption(CURLoption option, const void *value, const char *failureLog) const
+{
+    CURLcode code = curl_easy_setopt(curl_.get(), option, value);
+    if (code != CURLE_OK) {
+        VORN_LOGI(failureLog, static_cast<int>(code));
+        return false;
+    }
+    return true;
+}
+
+long HttpLogic::PostHttpsRequest()
+{
+    VORN_LOGI("HttpLogic::PostHttpsRequest, enter");
+    if (curl_ == nullptr) {
+        VORN_LOGI("HttpLogic::PostHttpsRequest, m_pcurl not init, InitHttpLogic must call first");
+        return -1;
+    }
+    if (!SetRequiredOption(CURLOPT_HTTPHEADER, headerList_.get(), "CURLOPT_HTTPHEADER Failed code = %{public}d") ||
+        !SetRequiredOption(CURLOPT_URL, hostName_.c_str(), "CURLOPT_URL Failed code = %{public}d") ||
+        !SetRequiredOption(CURLOPT_POSTFIELDS, postBody_.c_str(), "CURLOPT_POSTFIELDS Failed code = %{public}d")) {
+        return -1;
+    }
+    SetTransferOptions();
+
+    CURLcode code = curl_easy_perform(curl_.get());
+    if (code != CURLE_OK) {
+        VORN_LOGI("Failed to access the server, code = %{public}d", static_cast<int>(code));
+        return -1;
+    }
+    long status = 0;
+    (void)curl_easy_getinfo(curl_.get(), CURLINFO_RESPONSE_CODE, &status);
+    if (status != HTTP_OK) {
+        VORN_LOGI("Failed to access the server, http code = %{public}ld", status);
+    }
+    VORN_LOGI("HttpLogic::PostHttpsRequest out");
+    return status;
+}
+
+// Options whose failure does not stop the transfer: libcurl keeps its default for them.
+void HttpLogic::SetTransferOptions() const
+{
+    CURL *curl = curl_.get();
+    (void)curl_easy_setopt(curl, CURLOPT_POST, 1L);
+    (void)curl_easy_setopt(curl, CURLOPT_READFUNCTION, nullptr);
+    (void)curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, OnWriteData);
+    (void)curl_easy_setopt(curl, CURLOPT_HEADERDATA, &responseHeads_);
+    (void)curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, OnWriteData);
+    (void)curl_easy_setopt(curl, CURLOPT_WRITEDATA, &responseBody_);
+    (void)curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+    (void)curl_easy_setopt(curl, CURLOPT_HTTPAUTH, CURLAUTH_ANY);
+    // HTTPS only, also after a redirect: a client must not make the service read file:// URLs
+    // or fall back to plain HTTP.
+    (void)curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, ALLOWED_PROTOCOLS);
+    (void)curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, ALLOWED_PROTOCOLS);
+    SetCurlHttpProxy();
+    (void)curl_easy_setopt(curl, CURLOPT_SSL_VERIFYPEER, 1L);
+    (void)curl_easy_setopt(curl, CURLOPT_SSL_VERIFYHOST, VERIFY_HOST_NAME);
+    (void)curl_easy_setopt(curl, CURLOPT_CAINFO, requestInfo_.caFile.c_str());
+    if (!requestInfo_.interfaceName.empty()) {
+        (void)curl_easy_setopt(curl, CURLOPT_INTERFACE, requestInfo_.interfaceName.c_str());
+        VORN_LOGI("HttpLogic::PostHttpsRequest, curl_easy_setopt for CURLOPT_INTERFACE");
+    }
+    SetupOtherCurlOptions();
+}
+
+void HttpLogic::SetupOtherCurlOptions() const
+{
+    CURL *curl = curl_.get();
+    (void)curl_easy_setopt(curl, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+    (void)curl_easy_setopt(curl, CURLOPT_SSL_CIPHER_LIST, CIPHER_LIST);
+    (void)curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
+    (void)curl_easy_setopt(curl, CURLOPT_MAXREDIRS, MAX_REDIRECTS);
+    (void)curl_easy_setopt(curl, CURLOPT_AUTOREFERER, 1L);
+    (void)curl_easy_setopt(curl, CURLOPT_ACCEPT_ENCODING, "gzip");
+    (void)curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT, CONNECT_TIMEOUT_SECONDS);
+    (void)curl_easy_setopt(curl, CURLOPT_TIMEOUT, TRANSFER_TIMEOUT_SECONDS);
+}
+
+size_t HttpLogic::OnWriteData(const char *data, size_t size, size_t nmemb, std::string *out)
+{
+    if (out == nullptr) {
+        return 0;
+    }
+    const size_t length = size * nmemb;
+    out->append(data, length);
+    return length;
+}
+
+std::string HttpLogic::GetResponseBody() const
+{
+    return responseBody_;
+}
+
+std::string HttpLogic::GetResponseHeads() const
+{
+    if (requestInfo_.saType == GNS_SA_TYPE) {
+        return responseHeads_;
+    }
+    const auto cacheTime = std::chrono::duration_cast<std::chrono::seconds>(
+        std::chrono::system_clock::now().time_since_epoch()).count();
+    std::string heads;
+    heads.append("Rule: ").append(requestInfo_.queryHeaders).append(LINE_SEPARATOR);
+    heads.append("Version: ").append(requestInfo_.appVersion).append(LINE_SEPARATOR);
+    heads.append("Service-List: ").append(postBody_).append(LINE_SEPARATOR);
+    heads.append("Cache-time: ").append(std::to_string(cacheTime)).append(LINE_SEPARATOR);
+    heads.append("Cache-status: success").append(LINE_SEPARATOR);
+
+    // After redirects libcurl has collected one block per response; only the final one counts.
+    std::vector<std::string> blocks = StringUtils::SplitAllByString(responseHeads_, HEAD_BLOCK_SEPARATOR);
+    const std::string &lastBlock = blocks.empty() ? responseHeads_ : blocks.back();
+    const std::string cacheControlKey = StringUtils::ToLowerCase(CACHE_CONTROL);
+    for (const std::string &line : StringUtils::SplitAllByString(lastBlock, LINE_SEPARATOR)) {
+        if (StringUtils::ToLowerCase(line).find(cacheControlKey) == std::string::npos) {
+            continue;
+        }
+        // Clients read the value after the first '='; a line without one is passed on whole.
+        std::string value = line.substr(line.find('=') + 1);
+        StringUtils::Trim(value);
+        heads.append(CACHE_CONTROL).append(": ").append(value).append(LINE_SEPARATOR);
+    }
+    heads.append(LINE_SEPARATOR);
+    return heads;
+}
+
+void HttpLogic::GetHttpProxyInfo(std::string &host, int &port, std::string &exclusions)
+{
+    NetManagerStandard::HttpProxy proxy;
+    int32_t status = NetManagerStandard::NetConnClient::GetInstance().GetDefaultHttpProxy(proxy);
+    if (status != 0) {
+        VORN_LOGE("GetHttpProxy fail, status: %{public}d", status);
+        return;
+    }
+    host = proxy.GetHost();
+    port = static_cast<uint16_t>(proxy.GetPort());
+    std::list<std::string> exclusionList = proxy.GetExclusionList();
+    exclusions = StringUtils::ToString(std::vector<std::string>(exclusionList.begin(), exclusionList.end()), ',');
+}
+
+void HttpLogic::SetCurlHttpProxy() const
+{
+    std::string host;
+    int port = 0;
+    std::string exclusions;
+    GetHttpProxyInfo(host, port, exclusions);
+    if (host.empty()) {
+        return;
+    }
+    VORN_LOGI("Set default proxy");
+    CURL *curl = curl_.get();
+    (void)curl_easy_setopt(curl, CURLOPT_PROXY, host.c_str());
+    (void)curl_easy_setopt(curl, CURLOPT_PROXYPORT, static_cast<long>(port));
+    if (!exclusions.empty()) {
+        (void)curl_easy_setopt(curl, CURLOPT_NOPROXY, exclusions.c_str());
+    }
+    (void)curl_easy_setopt(curl, CURLOPT_HTTPPROXYTUNNEL, 1L);
+    const long proxyType = host.find(HTTPS_SCHEME) != std::string::npos ? CURLPROXY_HTTPS : CURLPROXY_HTTP;
+    (void)curl_easy_setopt(curl, CURLOPT_PROXYTYPE, proxyType);
+}
+} // namespace Vorn
+} // namespace OHOS

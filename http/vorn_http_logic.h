@@ -1,0 +1,71 @@
+#ifndef VORN_HTTP_VORN_HTTP_LOGIC_H
+#define VORN_HTTP_VORN_HTTP_LOGIC_H
+
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include <curl/curl.h>
+
+#include "vorn_init_config_parser.h"
+
+namespace OHOS {
+namespace Vorn {
+// One HTTPS POST of one attempt: prepare the handle, perform the transfer, then read the
+// status, the response heads (as clients get them) and the body.
+class HttpLogic {
+public:
+    HttpLogic(VornInitConfigParser::VornRequestInfo info, std::string url);
+    virtual ~HttpLogic() = default;
+    HttpLogic(const HttpLogic &) = delete;
+    HttpLogic &operator=(const HttpLogic &) = delete;
+
+    // Initialises libcurl once per process; a failed attempt is retried by the next call.
+    static bool GlobalInit();
+
+    int InitHttpLogic();
+    long PostHttpsRequest();
+    void SetupOtherCurlOptions() const;
+    static size_t OnWriteData(const char *data, size_t size, size_t nmemb, std::string *out);
+
+    std::string GetResponseHeads() const;
+    std::string GetResponseBody() const;
+
+    static void GetHttpProxyInfo(std::string &host, int &port, std::string &exclusions);
+    void SetCurlHttpProxy() const;
+
+private:
+    struct CurlDeleter {
+        void operator()(CURL *curl) const
+        {
+            curl_easy_cleanup(curl);
+        }
+    };
+    struct SlistDeleter {
+        void operator()(curl_slist *list) const
+        {
+            curl_slist_free_all(list);
+        }
+    };
+
+    bool SetRequiredOption(CURLoption option, const void *value, const char *failureLog) const;
+    void SetTransferOptions() const;
+
+    VornInitConfigParser::VornRequestInfo requestInfo_;
+    std::string hostName_;
+    std::string postBody_;
+    std::string responseHeads_;
+    std::string responseBody_;
+    // The header list is declared after the handle so it is freed first, as the handle may
+    // still point at it.
+    std::unique_ptr<CURL, CurlDeleter> curl_;
+    std::unique_ptr<curl_slist, SlistDeleter> headerList_;
+
+    static std::mutex globalInitMutex_;
+    static bool globalInited_;
+};
+} // namespace Vorn
+} // namespace OHOS
+
+#endif // VORN_HTTP_VORN_HTTP_LOGIC_H

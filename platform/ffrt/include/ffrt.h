@@ -1,0 +1,13 @@
+#ifndef FFRT_API_FFRT_H
+#define FFRT_API_FFRT_H
+
+#include "c/type_def.h"
+#include "c/task.h"
+#include "c/queue.h"
+
+#ifdef __cplusplus
+#include "cpp/task.h"
+#include "cpp/queue.h"
+#endif
+
+#endif // FFRT_API_FFRT_H

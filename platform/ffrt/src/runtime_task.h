@@ -1,0 +1,60 @@
+#ifndef HOST_FFRT_RUNTIME_TASK_H
+#define HOST_FFRT_RUNTIME_TASK_H
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "c/type_def.h"
+
+namespace HostFfrt {
+struct TaskQueue;
+
+// Tasks submitted by one task (or by one thread outside any task) that have not settled yet;
+// ffrt_wait waits for it to drop to zero. Guarded by the runtime's lock.
+struct WaitGroup {
+    size_t outstanding = 0;
+};
+
+enum class TaskState {
+    DELAYED,    // held by the timer until due
+    QUEUED,     // due, waiting in its queue for a free slot
+    DISPATCHED, // due, waiting for a pool worker
+    RUNNING,
+    FINISHED,
+    CANCELLED,
+};
+
+// One submitted task; it doubles as the task handle. The runtime holds one reference until the
+// task settles, every handle given out holds another. State fields are guarded by the
+// runtime's lock; `function` is touched only by the thread that runs or drops the task.
+struct RuntimeTask {
+    using Clock = std::chrono::steady_clock;
+
+    RuntimeTask(ffrt_function_header_t *f, ffrt_qos_t taskQos, TaskQueue *owner, std::shared_ptr<WaitGroup> waitGroup,
+        uint32_t references)
+        : function(f), qos(taskQos), queue(owner), group(std::move(waitGroup)), refs(references) {}
+
+    bool Settled() const { return state == TaskState::FINISHED || state == TaskState::CANCELLED; }
+
+    static void Release(RuntimeTask *task)
+    {
+        if (task->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+            delete task;
+        }
+    }
+
+    ffrt_function_header_t *function;
+    ffrt_qos_t qos;
+    TaskQueue *queue; // null for pool tasks; valid until the task settles
+    std::shared_ptr<WaitGroup> group;
+    std::atomic<uint32_t> refs;
+    uint64_t id = 0;
+    Clock::time_point due {};
+    TaskState state = TaskState::DELAYED;
+};
+} // namespace HostFfrt
+
+#endif // HOST_FFRT_RUNTIME_TASK_H

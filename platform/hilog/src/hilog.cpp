@@ -1,0 +1,207 @@
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <mutex>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+#include "capture_hub.h"
+#include "hilog/log.h"
+#include "log_line.h"
+#include "privacy_formatter.h"
+
+namespace {
+constexpr unsigned int DOMAIN_OS_MIN = 0xD000000;
+constexpr unsigned int DOMAIN_OS_MAX = 0xD0FFFFF;
+constexpr unsigned int DOMAIN_APP_MAX = 0xFFFF;
+// Both limits count the terminating NUL, as on the device.
+constexpr size_t MAX_LOG_LEN = 4096;
+constexpr size_t MAX_TAG_LEN = 32;
+constexpr char REVEAL_PRIVATE_ENV[] = "VORN_HILOG_PRIVATE";
+constexpr char LOG_FILE_ENV[] = "VORN_HILOG_FILE";
+
+std::atomic<LogCallback> g_callback{nullptr};
+// Serialises writes so that lines of different threads never interleave in the sink.
+std::mutex g_sinkMutex;
+
+class FileDescriptor {
+public:
+    explicit FileDescriptor(int fd) : fd_(fd) {}
+    ~FileDescriptor()
+    {
+        if (fd_ >= 0) {
+            close(fd_);
+        }
+    }
+    FileDescriptor(const FileDescriptor &) = delete;
+    FileDescriptor &operator=(const FileDescriptor &) = delete;
+    int Get() const { return fd_; }
+
+private:
+    int fd_;
+};
+
+bool DomainAccepted(LogType type, unsigned int domain)
+{
+    return type == LOG_APP || (domain >= DOMAIN_OS_MIN && domain <= DOMAIN_OS_MAX);
+}
+
+// Read on every call so that a test can switch it on and off.
+bool PrivateRevealed()
+{
+    const char *value = std::getenv(REVEAL_PRIVATE_ENV);
+    return value != nullptr && std::strcmp(value, "1") == 0;
+}
+
+std::vector<std::string> SplitNonEmptyLines(const std::string &message)
+{
+    std::vector<std::string> lines;
+    size_t start = 0;
+    while (start <= message.size()) {
+        size_t end = message.find('\n', start);
+        if (end == std::string::npos) {
+            end = message.size();
+        }
+        if (end > start) {
+            lines.emplace_back(message, start, end - start);
+        }
+        start = end + 1;
+    }
+    return lines;
+}
+
+int WriteAll(int fd, const std::string &data)
+{
+    size_t done = 0;
+    while (done < data.size()) {
+        ssize_t written = write(fd, data.data() + done, data.size() - done);
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return -1;
+        }
+        done += static_cast<size_t>(written);
+    }
+    return static_cast<int>(done);
+}
+
+// Appends to the file named by VORN_HILOG_FILE, or writes to standard error when it is unset.
+int WriteToSink(const std::string &data)
+{
+    std::lock_guard<std::mutex> lock(g_sinkMutex);
+    const char *path = std::getenv(LOG_FILE_ENV);
+    if (path == nullptr || *path == '\0') {
+        return WriteAll(STDERR_FILENO, data);
+    }
+    FileDescriptor file(open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644));
+    if (file.Get() < 0) {
+        return -1;
+    }
+    return WriteAll(file.Get(), data);
+}
+
+int HiLogPrintArgs(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt,
+    va_list args)
+{
+    if (fmt == nullptr || !DomainAccepted(type, domain)) {
+        return -1;
+    }
+    std::string shortTag(tag == nullptr ? "" : tag);
+    shortTag.resize(std::min(shortTag.size(), MAX_TAG_LEN - 1));
+
+    va_list argsCopy;
+    va_copy(argsCopy, args);
+    std::string message = HostPlatform::PrivacyFormatter(PrivateRevealed(), MAX_LOG_LEN - 1).Format(fmt, &argsCopy);
+    va_end(argsCopy);
+
+    HostPlatform::LogOrigin origin = HostPlatform::CurrentLogOrigin();
+    std::vector<HostPlatform::LogRecord> records;
+    std::string output;
+    for (std::string &line : SplitNonEmptyLines(message)) {
+        records.push_back({type, level, domain, shortTag, std::move(line)});
+        output += HostPlatform::FormatLogLine(records.back(), origin);
+        output += '\n';
+    }
+    int written = output.empty() ? 0 : WriteToSink(output);
+    HostPlatform::PublishToCaptures(records);
+    LogCallback callback = g_callback.load();
+    if (callback != nullptr) {
+        callback(type, level, domain, shortTag.c_str(), message.c_str());
+    }
+    return written;
+}
+} // namespace
+
+int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt, ...)
+{
+    va_list args;
+    va_start(args, fmt);
+    int result = HiLogPrintArgs(type, level, domain, tag, fmt, args);
+    va_end(args);
+    return result;
+}
+
+bool HiLogIsLoggable(unsigned int domain, const char *tag, LogLevel level)
+{
+    bool domainValid = domain <= DOMAIN_APP_MAX || (domain >= DOMAIN_OS_MIN && domain <= DOMAIN_OS_MAX);
+    return domainValid && tag != nullptr && level >= LOG_DEBUG && level <= LOG_FATAL;
+}
+
+void LOG_SetCallback(LogCallback callback)
+{
+    g_callback.store(callback);
+}
+
+namespace OHOS {
+namespace HiviewDFX {
+int HiLog::Debug(const HiLogLabel &label, const char *fmt, ...)
+{
+    va_list args;
+    va_start(args, fmt);
+    int result = HiLogPrintArgs(label.type, LOG_DEBUG, label.domain, label.tag, fmt, args);
+    va_end(args);
+    return result;
+}
+
+int HiLog::Info(const HiLogLabel &label, const char *fmt, ...)
+{
+    va_list args;
+    va_start(args, fmt);
+    int result = HiLogPrintArgs(label.type, LOG_INFO, label.domain, label.tag, fmt, args);
+    va_end(args);
+    return result;
+}
+
+int HiLog::Warn(const HiLogLabel &label, const char *fmt, ...)
+{
+    va_list args;
+    va_start(args, fmt);
+    int result = HiLogPrintArgs(label.type, LOG_WARN, label.domain, label.tag, fmt, args);
+    va_end(args);
+    return result;
+}
+
+int HiLog::Error(const HiLogLabel &label, const char *fmt, ...)
+{
+    va_list args;
+    va_start(args, fmt);
+    int result = HiLogPrintArgs(label.type, LOG_ERROR, label.domain, label.tag, fmt, args);
+    va_end(args);
+    return result;
+}
+
+int HiLog::Fatal(const HiLogLabel &label, const char *fmt, ...)
+{
+    va_list args;
+    va_start(args, fmt);
+    int result = HiLogPrintArgs(label.type, LOG_FATAL, label.domain, label.tag, fmt, args);
+    va_end(args);
+    return result;
+}
+} // namespace HiviewDFX
+} // namespace OHOS

@@ -1,0 +1,336 @@
+#include <cstdarg>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "hilog/log.h"
+#include "hilog_host.h"
+
+namespace {
+using HostPlatform::LogCapture;
+using HostPlatform::LogRecord;
+using namespace std::chrono_literals;
+
+constexpr unsigned int DOMAIN = 0xD005540;
+constexpr char TAG[] = "VornService";
+
+// Sets (or unsets, for nullopt) an environment variable and restores the old value on scope exit.
+class ScopedEnv {
+public:
+    ScopedEnv(const char *name, const std::optional<std::string> &value) : name_(name)
+    {
+        const char *old = std::getenv(name);
+        if (old != nullptr) {
+            old_ = old;
+        }
+        Apply(value);
+    }
+    ~ScopedEnv() { Apply(old_); }
+    ScopedEnv(const ScopedEnv &) = delete;
+    ScopedEnv &operator=(const ScopedEnv &) = delete;
+
+private:
+    void Apply(const std::optional<std::string> &value)
+    {
+        if (value) {
+            setenv(name_.c_str(), value->c_str(), 1);
+        } else {
+            unsetenv(name_.c_str());
+        }
+    }
+
+    std::string name_;
+    std::optional<std::string> old_;
+};
+
+// Every test logs into its own temporary file with private values masked, as on a device.
+class HiLogTest : public testing::Test {
+protected:
+    HiLogTest()
+        : path_(testing::TempDir() + "hilog_test_" + std::to_string(getpid()) + ".log"),
+          file_("VORN_HILOG_FILE", path_), reveal_("VORN_HILOG_PRIVATE", std::nullopt)
+    {
+        std::remove(path_.c_str());
+    }
+    ~HiLogTest() override { std::remove(path_.c_str()); }
+
+    std::vector<std::string> FileLines() const
+    {
+        std::ifstream in(path_);
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(in, line);) {
+            lines.push_back(line);
+        }
+        return lines;
+    }
+
+    std::string FileText() const
+    {
+        std::ifstream in(path_);
+        std::ostringstream text;
+        text << in.rdbuf();
+        return text.str();
+    }
+
+    // The text of the one line the last log call produced.
+    std::string LoggedText(const LogCapture &capture) const
+    {
+        std::vector<LogRecord> records = capture.Records();
+        return records.size() == 1 ? records[0].text : "<" + std::to_string(records.size()) + " lines>";
+    }
+
+    std::string path_;
+    ScopedEnv file_;
+    ScopedEnv reveal_;
+};
+
+__attribute__((format(printf, 1, 2))) std::string Expected(const char *fmt, ...)
+{
+    va_list args;
+    va_start(args, fmt);
+    char buffer[512];
+    std::vsnprintf(buffer, sizeof(buffer), fmt, args);
+    va_end(args);
+    return buffer;
+}
+
+TEST_F(HiLogTest, LineFollowsTheViewerLayout)
+{
+    int written = HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "value %{public}d", 7);
+
+    std::vector<std::string> lines = FileLines();
+    ASSERT_EQ(lines.size(), 1u);
+    std::smatch match;
+    std::regex layout(R"(^\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} ([ \d]{4}\d) ([ \d]{4}\d) I C05540/VornService: value 7$)");
+    ASSERT_TRUE(std::regex_match(lines[0], match, layout)) << lines[0];
+    EXPECT_EQ(std::stoi(match[1].str()), getpid());
+    EXPECT_EQ(written, static_cast<int>(lines[0].size() + 1));
+}
+
+TEST_F(HiLogTest, LettersNameLevelAndType)
+{
+    struct Case {
+        LogType type;
+        LogLevel level;
+        unsigned int domain;
+        std::string marker;
+    };
+    const std::vector<Case> cases = {
+        {LOG_APP, LOG_DEBUG, 0x12ab, " D A012ab/T: m"},
+        {LOG_INIT, LOG_WARN, 0xD000001, " W I00001/T: m"},
+        {LOG_CORE, LOG_ERROR, 0xD0FFFFF, " E Cfffff/T: m"},
+        {LOG_KMSG, LOG_FATAL, 0xD000000, " F K00000/T: m"},
+        {LOG_ONLY_PRERELEASE, LOG_LEVEL_MAX, 0xD000010, " X P00010/T: m"},
+        {static_cast<LogType>(2), static_cast<LogLevel>(1), 0xD000010, " V  00010/T: m"},
+    };
+    for (const Case &c : cases) {
+        std::string line = HostPlatform::FormatLogLine({c.type, c.level, c.domain, "T", "m"});
+        EXPECT_NE(line.find(c.marker), std::string::npos) << line;
+    }
+}
+
+TEST_F(HiLogTest, EachNonEmptyLineOfAMessageGetsItsOwnPrefix)
+{
+    LogCapture capture;
+    HiLogPrint(LOG_CORE, LOG_WARN, DOMAIN, TAG, "first\n\nsecond\n");
+
+    std::vector<std::string> lines = FileLines();
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_NE(lines[0].find(" W C05540/VornService: first"), std::string::npos);
+    EXPECT_NE(lines[1].find(" W C05540/VornService: second"), std::string::npos);
+    EXPECT_EQ(capture.Count("first"), 1u);
+    EXPECT_EQ(capture.Count("second"), 1u);
+}
+
+TEST_F(HiLogTest, PrivateAndUnqualifiedValuesAreMaskedByDefault)
+{
+    LogCapture capture;
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "%s failed to visit %{private}s, reason:%{public}d.", "app",
+        "https://example.invalid", 11);
+
+    EXPECT_EQ(LoggedText(capture), "<private> failed to visit <private>, reason:11.");
+    EXPECT_EQ(FileText().find("example"), std::string::npos);
+}
+
+TEST_F(HiLogTest, RevealSwitchPrintsPrivateValues)
+{
+    ScopedEnv reveal("VORN_HILOG_PRIVATE", "1");
+    LogCapture capture;
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "%s failed to visit %{private}s, reason:%{public}d.", "app",
+        "https://example.invalid", 11);
+    EXPECT_EQ(LoggedText(capture), "app failed to visit https://example.invalid, reason:11.");
+
+    ScopedEnv other("VORN_HILOG_PRIVATE", "yes");
+    capture.Clear();
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "%s", "hidden");
+    EXPECT_EQ(LoggedText(capture), "<private>");
+}
+
+TEST_F(HiLogTest, MaskedConversionsStillConsumeTheirArguments)
+{
+    LogCapture capture;
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "%lld %{public}s", 1234567890123LL, "after-ll");
+    EXPECT_EQ(LoggedText(capture), "<private> after-ll");
+
+    capture.Clear();
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "%{private}Lf|%{public}d|%{private}*.*f|%{public}s|%p|%{public}zu",
+        static_cast<long double>(1.5), 42, 8, 2, 3.25, "mid", static_cast<void *>(&capture), static_cast<size_t>(99));
+    EXPECT_EQ(LoggedText(capture), "<private>|42|<private>|mid|<private>|99");
+
+    capture.Clear();
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "%hhd %c %{public}jd %{private}ls %{public}td %% %{public}e",
+        static_cast<signed char>(5), 'x', static_cast<intmax_t>(-7), L"wide", static_cast<ptrdiff_t>(-3), 2.5);
+    EXPECT_EQ(LoggedText(capture), "<private> <private> -7 <private> -3 % 2.500000e+00");
+}
+
+TEST_F(HiLogTest, RevealedConversionsMatchPrintf)
+{
+    ScopedEnv reveal("VORN_HILOG_PRIVATE", "1");
+    LogCapture capture;
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG,
+        "%{public}+05d|%-6s|%{private}#x|%{public}*d|%{public}.*s|%hhu|%hd|%lu|%{public}lld|%o|%X|%{public}G|%a|%Le|"
+        "%.3s|%*s|%{public}.*f",
+        42, "ab", 255u, -4, 7, 2, "abcdef", 300, static_cast<short>(-2), 123456789UL, -1LL, 8u, 0xbeefu, 1e-10, 0.5,
+        static_cast<long double>(3.0), "truncate", 3, "r", -1, 2.0);
+
+    std::string expected = Expected("%+05d|%-6s|%#x|%*d|%.*s|%hhu|%hd|%lu|%lld|%o|%X|%G|%a|%Le|%.3s|%*s|%.*f", 42,
+        "ab", 255u, -4, 7, 2, "abcdef", 300, static_cast<short>(-2), 123456789UL, -1LL, 8u, 0xbeefu, 1e-10, 0.5,
+        static_cast<long double>(3.0), "truncate", 3, "r", -1, 2.0);
+    EXPECT_EQ(LoggedText(capture), expected);
+}
+
+TEST_F(HiLogTest, UnknownConversionIsKeptAndConsumesNothing)
+{
+    LogCapture capture;
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "%{public}y %{public}s %", "kept");
+    EXPECT_EQ(LoggedText(capture), "%{public}y kept %");
+}
+
+TEST_F(HiLogTest, LongMessageAndTagAreTruncated)
+{
+    LogCapture capture;
+    std::string longText(5000, 'm');
+    std::string longTag(40, 't');
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, longTag.c_str(), "%{public}s", longText.c_str());
+
+    std::vector<LogRecord> records = capture.Records();
+    ASSERT_EQ(records.size(), 1u);
+    EXPECT_EQ(records[0].text, std::string(4095, 'm'));
+    EXPECT_EQ(records[0].tag, std::string(31, 't'));
+}
+
+TEST_F(HiLogTest, SystemLogOutsideTheSystemDomainsIsDropped)
+{
+    LogCapture capture;
+    EXPECT_EQ(HiLogPrint(LOG_CORE, LOG_INFO, 0xD100000, TAG, "dropped"), -1);
+    EXPECT_EQ(HiLogPrint(LOG_INIT, LOG_INFO, 0xCFFFFFF, TAG, "dropped"), -1);
+    EXPECT_EQ(HiLogPrint(LOG_CORE, LOG_INFO, 0x1234, TAG, "dropped"), -1);
+    EXPECT_GT(HiLogPrint(LOG_APP, LOG_INFO, 0x1234, TAG, "kept"), 0);
+
+    EXPECT_EQ(capture.Count("dropped"), 0u);
+    EXPECT_EQ(capture.Count("kept"), 1u);
+    EXPECT_EQ(FileLines().size(), 1u);
+
+    EXPECT_TRUE(HiLogIsLoggable(DOMAIN, TAG, LOG_INFO));
+    EXPECT_TRUE(HiLogIsLoggable(0x1234, TAG, LOG_DEBUG));
+    EXPECT_FALSE(HiLogIsLoggable(0xD100000, TAG, LOG_INFO));
+}
+
+TEST_F(HiLogTest, ConcurrentLoggersNeverInterleaveLines)
+{
+    constexpr int threads = 4;
+    constexpr int linesPerThread = 200;
+    std::vector<std::thread> loggers;
+    for (int t = 0; t < threads; ++t) {
+        loggers.emplace_back([t] {
+            std::string body(300, static_cast<char>('a' + t));
+            for (int i = 0; i < linesPerThread; ++i) {
+                HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "%{public}d-%{public}s-end", t, body.c_str());
+            }
+        });
+    }
+    for (std::thread &logger : loggers) {
+        logger.join();
+    }
+
+    std::vector<std::string> lines = FileLines();
+    ASSERT_EQ(lines.size(), static_cast<size_t>(threads * linesPerThread));
+    std::regex whole(R"(^\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} [ \d]{5} [ \d]{5} I C05540/VornService: (\d)-([a-d]{300})-end$)");
+    for (const std::string &line : lines) {
+        std::smatch match;
+        ASSERT_TRUE(std::regex_match(line, match, whole)) << line;
+        EXPECT_EQ(match[2].str(), std::string(300, static_cast<char>('a' + std::stoi(match[1].str()))));
+    }
+}
+
+TEST_F(HiLogTest, CapturesSeeOnlyTheirOwnLifetime)
+{
+    auto outer = std::make_unique<LogCapture>();
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "before");
+    {
+        LogCapture inner;
+        HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "during %{public}s", "value");
+        EXPECT_EQ(inner.Count("before"), 0u);
+        EXPECT_EQ(inner.Count("during value"), 1u);
+        EXPECT_EQ(inner.CountContaining("during"), 1u);
+    }
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "after");
+    EXPECT_TRUE(outer->Contains("before"));
+    EXPECT_TRUE(outer->Contains("after"));
+    EXPECT_EQ(outer->Records().size(), 3u);
+    EXPECT_EQ(outer->Records()[1].level, LOG_INFO);
+    EXPECT_EQ(outer->Records()[1].tag, TAG);
+
+    outer->Clear();
+    EXPECT_TRUE(outer->Records().empty());
+}
+
+TEST_F(HiLogTest, WaitForWakesOnLinesFromOtherThreads)
+{
+    LogCapture capture;
+    std::thread logger([] {
+        std::this_thread::sleep_for(20ms);
+        for (int i = 0; i < 3; ++i) {
+            HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "ready");
+        }
+    });
+    EXPECT_TRUE(capture.WaitFor("ready", 5s, 3));
+    logger.join();
+    EXPECT_FALSE(capture.WaitFor("ready", 10ms, 4));
+    EXPECT_TRUE(capture.WaitUntil([](const std::vector<LogRecord> &records) { return records.size() == 3; }, 10ms));
+}
+
+std::vector<std::string> g_callbackMessages;
+
+void RecordCallback(const LogType, const LogLevel, const unsigned int, const char *tag, const char *msg)
+{
+    g_callbackMessages.push_back(std::string(tag) + ":" + msg);
+}
+
+TEST_F(HiLogTest, CallbackAndLabelledLoggingSeeTheMaskedMessage)
+{
+    g_callbackMessages.clear();
+    LOG_SetCallback(RecordCallback);
+    constexpr OHOS::HiviewDFX::HiLogLabel label = {LOG_CORE, DOMAIN, "Label"};
+    OHOS::HiviewDFX::HiLog::Error(label, "code %{public}d for %s", 3, "secret");
+    LOG_SetCallback(nullptr);
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "not seen");
+
+    ASSERT_EQ(g_callbackMessages.size(), 1u);
+    EXPECT_EQ(g_callbackMessages[0], "Label:code 3 for <private>");
+    std::vector<std::string> lines = FileLines();
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_NE(lines[0].find(" E C05540/Label: code 3 for <private>"), std::string::npos);
+}
+} // namespace

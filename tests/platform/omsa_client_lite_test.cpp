@@ -1,0 +1,161 @@
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "omsa_client_lite_api.h"
+
+namespace {
+using namespace OHOS::OmsaCloud;
+
+// Sets (or unsets, for nullopt) an environment variable and restores the old value on scope exit.
+class ScopedEnv {
+public:
+    ScopedEnv(const char *name, const std::optional<std::string> &value) : name_(name)
+    {
+        const char *old = std::getenv(name);
+        if (old != nullptr) {
+            old_ = old;
+        }
+        Apply(value);
+    }
+    ~ScopedEnv() { Apply(old_); }
+    ScopedEnv(const ScopedEnv &) = delete;
+    ScopedEnv &operator=(const ScopedEnv &) = delete;
+
+private:
+    void Apply(const std::optional<std::string> &value)
+    {
+        if (value) {
+            setenv(name_.c_str(), value->c_str(), 1);
+        } else {
+            unsetenv(name_.c_str());
+        }
+    }
+
+    std::string name_;
+    std::optional<std::string> old_;
+};
+
+class OmsaClientLiteTest : public testing::Test {
+protected:
+    OmsaClientLiteTest()
+        : path_(testing::TempDir() + "omsa_test_" + std::to_string(getpid()) + ".log"),
+          log_("VORN_OMSA_LOG", path_), result_("VORN_OMSA_RESULT", std::nullopt)
+    {
+        std::remove(path_.c_str());
+    }
+    ~OmsaClientLiteTest() override { std::remove(path_.c_str()); }
+
+    std::vector<nlohmann::json> Calls() const
+    {
+        std::ifstream in(path_);
+        std::vector<nlohmann::json> calls;
+        for (std::string line; std::getline(in, line);) {
+            calls.push_back(nlohmann::json::parse(line));
+        }
+        return calls;
+    }
+
+    std::string path_;
+    ScopedEnv log_;
+    ScopedEnv result_;
+};
+
+TEST_F(OmsaClientLiteTest, SetConfigOptionsRecordsTheMaintenanceUrl)
+{
+    OmsaConfigLite config;
+    config.tag = "vorn";
+    config.packageName = "com.vorn.service";
+    config.saId = 66054;
+    config.maintenanceConfig = std::make_shared<TypeConfigLite>();
+    config.maintenanceConfig->collectUrl = "https://collect.invalid/v1";
+    config.operationConfig = config.maintenanceConfig;
+
+    OmsaResultLite result = OmsaClientLiteApi::SetConfigOptions(config);
+    EXPECT_EQ(result.code, 0);
+    EXPECT_TRUE(result.message.empty());
+
+    config.maintenanceConfig.reset();
+    OmsaClientLiteApi::SetConfigOptions(config);
+
+    std::vector<nlohmann::json> calls = Calls();
+    ASSERT_EQ(calls.size(), 2u);
+    EXPECT_EQ(calls[0], nlohmann::json::parse(R"({"op":"SetConfigOptions","tag":"vorn","package":"com.vorn.service",
+        "saId":66054,"collectUrl":"https://collect.invalid/v1"})"));
+    EXPECT_EQ(calls[1]["collectUrl"], "");
+}
+
+TEST_F(OmsaClientLiteTest, OnEventRecordsTypeIdAndData)
+{
+    OmsaClientLiteApi::OnEvent("vorn", EventTypeLite::OPERATION, "evt_1", {{"uid", "20010"}, {"k", "v"}});
+    OmsaClientLiteApi::OnEvent("vorn", EventTypeLite::MAINTENANCE, "evt_2", {});
+
+    std::vector<nlohmann::json> calls = Calls();
+    ASSERT_EQ(calls.size(), 2u);
+    EXPECT_EQ(calls[0], nlohmann::json::parse(R"({"op":"OnEvent","tag":"vorn","type":1,"eventId":"evt_1",
+        "data":{"uid":"20010","k":"v"}})"));
+    EXPECT_EQ(calls[1]["type"], 0);
+    EXPECT_TRUE(calls[1]["data"].is_object());
+    EXPECT_TRUE(calls[1]["data"].empty());
+}
+
+TEST_F(OmsaClientLiteTest, ResultCodeComesFromTheEnvironmentOnEachCall)
+{
+    struct Case {
+        std::optional<std::string> setting;
+        int32_t code;
+    };
+    for (const Case &c : {Case{"7", 7}, Case{"-3", -3}, Case{"x1", 0}, Case{"12abc", 0}, Case{"99999999999", 0},
+             Case{"", 0}, Case{std::nullopt, 0}}) {
+        ScopedEnv result("VORN_OMSA_RESULT", c.setting);
+        EXPECT_EQ(OmsaClientLiteApi::OnEvent("t", EventTypeLite::OPERATION, "e", {}).code, c.code)
+            << c.setting.value_or("<unset>");
+        EXPECT_EQ(OmsaClientLiteApi::SetConfigOptions({}).code, c.code);
+    }
+}
+
+TEST_F(OmsaClientLiteTest, NothingIsWrittenWithoutALogFile)
+{
+    {
+        ScopedEnv noLog("VORN_OMSA_LOG", std::nullopt);
+        EXPECT_EQ(OmsaClientLiteApi::OnEvent("t", EventTypeLite::OPERATION, "e", {}).code, 0);
+    }
+    std::ifstream in(path_);
+    EXPECT_FALSE(in.good());
+}
+
+TEST_F(OmsaClientLiteTest, ConcurrentCallsWriteWholeLines)
+{
+    constexpr int threads = 4;
+    constexpr int callsPerThread = 100;
+    std::vector<std::thread> callers;
+    for (int t = 0; t < threads; ++t) {
+        callers.emplace_back([t] {
+            std::unordered_map<std::string, std::string> data = {{"payload", std::string(500, 'p')}};
+            for (int i = 0; i < callsPerThread; ++i) {
+                OmsaClientLiteApi::OnEvent("t" + std::to_string(t), EventTypeLite::OPERATION, "e", data);
+            }
+        });
+    }
+    for (std::thread &caller : callers) {
+        caller.join();
+    }
+    EXPECT_EQ(Calls().size(), static_cast<size_t>(threads * callsPerThread));
+}
+
+TEST_F(OmsaClientLiteTest, InvalidUtf8IsReplacedNotThrown)
+{
+    EXPECT_NO_THROW(OmsaClientLiteApi::OnEvent("t", EventTypeLite::OPERATION, "bad\xff", {{"k", "\xc3"}}));
+    std::vector<nlohmann::json> calls = Calls();
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_EQ(calls[0]["eventId"], "bad\xef\xbf\xbd");
+}
+} // namespace

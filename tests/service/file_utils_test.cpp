@@ -1,0 +1,251 @@
+#include <climits>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <ios>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "file_utils.h"
+#include "hilog_host.h"
+#include "path.h"
+
+using namespace OHOS::Vorn;
+namespace fs = std::filesystem;
+using Strings = std::vector<std::string>;
+
+namespace {
+const uint32_t BINARY_MODE = static_cast<uint32_t>(std::ios_base::binary);
+const std::string UNTOUCHED = "untouched";
+
+class FileUtilsTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        std::string pattern = testing::TempDir() + "vorn_file_utils_XXXXXX";
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        dir_ = pattern;
+    }
+
+    void TearDown() override
+    {
+        std::error_code ignored;
+        fs::remove_all(dir_, ignored);
+    }
+
+    std::string Write(const std::string &name, const std::string &content) const
+    {
+        const fs::path file = dir_ / name;
+        std::ofstream(file, std::ios_base::binary) << content;
+        return file.string();
+    }
+
+    int32_t Read(const std::string &path, std::string &content) const
+    {
+        content = UNTOUCHED;
+        return FileUtils::ReadFile(path, content, BINARY_MODE);
+    }
+
+    fs::path dir_;
+};
+
+// Restores the working directory of the process when a test leaves.
+class WorkingDirectoryGuard {
+public:
+    WorkingDirectoryGuard() : fd_(open(".", O_RDONLY | O_DIRECTORY)) {}
+    ~WorkingDirectoryGuard()
+    {
+        if (fd_ >= 0) {
+            (void)fchdir(fd_);
+            close(fd_);
+        }
+    }
+    WorkingDirectoryGuard(const WorkingDirectoryGuard &) = delete;
+    WorkingDirectoryGuard &operator=(const WorkingDirectoryGuard &) = delete;
+
+private:
+    int fd_;
+};
+} // namespace
+
+TEST_F(FileUtilsTest, ReadsWholeFileByteForByte)
+{
+    const std::string content("{\"a\": 1}\r\n\0\xff tail", 16);
+    const std::string path = Write("config.json", content);
+    std::string read;
+    EXPECT_EQ(Read(path, read), FileUtils::READ_FILE_OK);
+    EXPECT_EQ(read, content);
+
+    // Through a symbolic link and a path that needs canonicalising.
+    fs::create_symlink(path, dir_ / "link.json");
+    EXPECT_EQ(Read((dir_ / "." / "link.json").string(), read), FileUtils::READ_FILE_OK);
+    EXPECT_EQ(read, content);
+}
+
+TEST_F(FileUtilsTest, MissingOrNonRegularPathsGiveOne)
+{
+    fs::create_directory(dir_ / "sub");
+    fs::create_symlink(dir_ / "gone.json", dir_ / "dangling.json");
+    ASSERT_EQ(mkfifo((dir_ / "fifo").c_str(), 0600), 0);
+    for (const fs::path &path : {dir_ / "sub", dir_ / "missing.json", dir_ / "dangling.json", dir_ / "fifo"}) {
+        std::string read;
+        EXPECT_EQ(Read(path.string(), read), FileUtils::READ_FILE_NOT_FOUND) << path;
+        EXPECT_EQ(read, UNTOUCHED);
+    }
+    std::string read;
+    EXPECT_EQ(Read("", read), FileUtils::READ_FILE_NOT_FOUND);
+}
+
+TEST_F(FileUtilsTest, FilesReportedEmptyGiveTwo)
+{
+    std::string read;
+    EXPECT_EQ(Read(Write("empty.json", ""), read), FileUtils::READ_FILE_EMPTY);
+    EXPECT_EQ(read, UNTOUCHED);
+    // procfs reports size 0 even though reading yields text.
+    EXPECT_EQ(Read("/proc/self/status", read), FileUtils::READ_FILE_EMPTY);
+    EXPECT_EQ(read, UNTOUCHED);
+}
+
+TEST_F(FileUtilsTest, SizeDifferentFromStatGivesThreeAndEmptiesContent)
+{
+    // sysfs attributes report a whole page as their size but read back a few bytes, which is what
+    // ReadFile sees when a file changes between its size query and its read.
+    std::string candidate;
+    for (const char *path : {"/sys/devices/system/cpu/online", "/sys/kernel/mm/transparent_hugepage/enabled",
+             "/sys/class/net/lo/address"}) {
+        struct stat sb {};
+        if (stat(path, &sb) == 0 && S_ISREG(sb.st_mode) && sb.st_size > 0) {
+            candidate = path;
+            break;
+        }
+    }
+    if (candidate.empty()) {
+        GTEST_SKIP() << "no sysfs attribute to read";
+    }
+    std::string read;
+    EXPECT_EQ(Read(candidate, read), FileUtils::READ_FILE_SIZE_MISMATCH);
+    EXPECT_EQ(read, "");
+}
+
+TEST_F(FileUtilsTest, CanonicalPathFailureIsLogged)
+{
+    // stat() accepts the short relative name, but realpath() cannot return an absolute path longer
+    // than PATH_MAX.
+    WorkingDirectoryGuard guard;
+    ASSERT_EQ(chdir(dir_.c_str()), 0);
+    const std::string level(200, 'd');
+    for (size_t depth = 0; depth * (level.size() + 1) <= PATH_MAX; ++depth) {
+        ASSERT_EQ(mkdir(level.c_str(), 0700), 0);
+        ASSERT_EQ(chdir(level.c_str()), 0);
+    }
+    std::ofstream("deep.json") << "{}";
+    EXPECT_EQ(FileUtils::NormalizedFilePath("deep.json"), "");
+
+    HostPlatform::LogCapture capture;
+    std::string read;
+    EXPECT_EQ(Read("deep.json", read), FileUtils::READ_FILE_NOT_FOUND);
+    EXPECT_EQ(read, UNTOUCHED);
+    const auto records = capture.Records();
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(records[0].text, "ReadFile canonical path fail");
+    EXPECT_EQ(records[0].level, LOG_ERROR);
+    EXPECT_EQ(records[0].tag, "VornCommon");
+    EXPECT_EQ(records[0].domain, 0xD005540U);
+
+    // remove_all cannot reach this deep by absolute path: climb out and remove level by level.
+    unlink("deep.json");
+    while (chdir("..") == 0 && rmdir(level.c_str()) == 0) {
+    }
+}
+
+TEST_F(FileUtilsTest, NormalizedFilePathResolvesToAbsolute)
+{
+    const std::string path = Write("a.json", "1");
+    fs::create_directory(dir_ / "sub");
+    const std::string canonical = fs::canonical(path).string();
+    EXPECT_EQ(FileUtils::NormalizedFilePath((dir_ / "sub" / ".." / "." / "a.json").string()), canonical);
+    EXPECT_EQ(FileUtils::NormalizedFilePath((dir_ / "missing").string()), "");
+    EXPECT_EQ(FileUtils::NormalizedFilePath(""), "");
+}
+
+TEST(PathTest, TokenizeDropsEmptyTokens)
+{
+    EXPECT_EQ(Path::Tokenize("//a//b/", "/"), (Strings {"a", "b"}));
+    EXPECT_EQ(Path::Tokenize("a/b\\c", "/\\"), (Strings {"a", "b", "c"}));
+    EXPECT_EQ(Path::Tokenize("abc", "/"), Strings {"abc"});
+    EXPECT_EQ(Path::Tokenize("a/b", ""), Strings {"a/b"});
+    EXPECT_EQ(Path::Tokenize("/", "/"), Strings {});
+    EXPECT_EQ(Path::Tokenize("", "/"), Strings {""});
+}
+
+TEST(PathTest, PosixPathPrintsInBothForms)
+{
+    const Path absolute("/etc/x");
+    EXPECT_EQ(absolute.Str(Path::POSIX), "/etc/x");
+    EXPECT_EQ(absolute.Str(Path::WINDOWS), "/etc\\x");
+    EXPECT_EQ(Path("//etc//tarnix/").Str(Path::POSIX), "/etc/tarnix");
+    EXPECT_EQ(Path("system/etc/a.json").Str(Path::POSIX), "system/etc/a.json");
+    EXPECT_EQ(Path("/").Str(Path::POSIX), "/");
+    EXPECT_EQ(Path("").Str(Path::POSIX), "");
+}
+
+TEST(PathTest, SetReplacesTheWholeValue)
+{
+    Path path("/abs/a");
+    path.Set("rel/b", Path::POSIX);
+    EXPECT_EQ(path.Str(Path::POSIX), "rel/b");
+    path.Set("C:\\x", Path::WINDOWS);
+    EXPECT_EQ(path.Str(Path::WINDOWS), "C:\\x");
+    path.Set("\\\\server\\share", Path::WINDOWS);
+    path.Set("D:/y", Path::WINDOWS);
+    EXPECT_EQ(path.Str(Path::WINDOWS), "D:\\y");
+}
+
+TEST(PathTest, WindowsDriveAndUncForms)
+{
+    Path path("");
+    path.Set("C:\\dir/file.txt", Path::WINDOWS);
+    EXPECT_EQ(path.Str(Path::WINDOWS), "C:\\dir\\file.txt");
+    EXPECT_EQ(path.Str(Path::POSIX), "C:/dir/file.txt");
+
+    path.Set("\\\\server\\share\\f", Path::WINDOWS);
+    EXPECT_EQ(path.Str(Path::WINDOWS), "\\\\server\\share\\f");
+    path.Set("\\\\?\\UNC\\server\\share", Path::WINDOWS);
+    EXPECT_EQ(path.Str(Path::WINDOWS), "\\\\server\\share");
+    // Two backslashes without a further separator are no network path.
+    path.Set("\\\\server", Path::WINDOWS);
+    EXPECT_EQ(path.Str(Path::WINDOWS), "server");
+    // A short long-path prefix is dropped and not printed again.
+    path.Set("\\\\?\\C:\\x", Path::WINDOWS);
+    EXPECT_EQ(path.Str(Path::WINDOWS), "C:\\x");
+
+    // Relative paths never gain the long-path prefix, however long they are.
+    const std::string longName(300, 'n');
+    for (const std::string &relative : {"dir\\" + longName, "C:" + longName, "1:\\" + longName}) {
+        path.Set(relative, Path::WINDOWS);
+        EXPECT_EQ(path.Str(Path::WINDOWS), relative);
+    }
+}
+
+TEST(PathTest, WindowsLongPathPrefixFromLength261)
+{
+    // Drive "C:" and one component count 3 + (n + 1); 261 is reached at n = 257.
+    Path path("");
+    path.Set("C:\\" + std::string(256, 'n'), Path::WINDOWS);
+    EXPECT_EQ(path.Str(Path::WINDOWS), "C:\\" + std::string(256, 'n'));
+    path.Set("C:\\" + std::string(257, 'n'), Path::WINDOWS);
+    EXPECT_EQ(path.Str(Path::WINDOWS), "\\\\?\\C:\\" + std::string(257, 'n'));
+
+    // UNC counts 2 + "srv" (4) + (n + 1); 261 is reached at n = 254.
+    path.Set("\\\\srv\\" + std::string(253, 'n'), Path::WINDOWS);
+    EXPECT_EQ(path.Str(Path::WINDOWS), "\\\\srv\\" + std::string(253, 'n'));
+    path.Set("\\\\srv\\" + std::string(254, 'n'), Path::WINDOWS);
+    EXPECT_EQ(path.Str(Path::WINDOWS), "\\\\?\\UNC\\srv\\" + std::string(254, 'n'));
+    // The prefix follows the stored type, the separator the requested form.
+    EXPECT_EQ(path.Str(Path::POSIX), "\\\\?\\UNC\\srv/" + std::string(254, 'n'));
+}

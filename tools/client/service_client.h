@@ -1,0 +1,35 @@
+#ifndef VORN_TOOLS_CLIENT_SERVICE_CLIENT_H
+#define VORN_TOOLS_CLIENT_SERVICE_CLIENT_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "i_vorn_sa_interface.h"
+#include "iremote_object.h"
+
+namespace VornClient {
+struct CallResult {
+    int result = 0;                // the transaction result
+    std::optional<int32_t> reply;  // the first Int32 of the reply parcel, when it holds one
+};
+
+// Sends the service's two transactions the way a client process writes them. The token and
+// code can be chosen freely so that refusals can be exercised too.
+class ServiceClient {
+public:
+    explicit ServiceClient(OHOS::sptr<OHOS::IRemoteObject> service);
+
+    CallResult Request(const std::string &paramStr, const OHOS::sptr<OHOS::IRemoteObject> &callback,
+        const std::u16string &descriptor = OHOS::Vorn::IVornSAInterface::GetDescriptor(),
+        uint32_t code = static_cast<uint32_t>(OHOS::Vorn::VornInterfaceCode::GET_VORN_CONFIG_FROM_SERVER)) const;
+    CallResult Event(const std::string &paramStr,
+        const std::u16string &descriptor = OHOS::Vorn::IVornSAInterface::GetDescriptor(),
+        uint32_t code = static_cast<uint32_t>(OHOS::Vorn::VornInterfaceCode::VORN_OMSA_EVENT)) const;
+
+private:
+    OHOS::sptr<OHOS::IRemoteObject> service_;
+};
+} // namespace VornClient
+
+#endif // VORN_TOOLS_CLIENT_SERVICE_CLIENT_H

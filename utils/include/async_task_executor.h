@@ -1,0 +1,48 @@
+#ifndef VORN_UTILS_ASYNC_TASK_EXECUTOR_H
+#define VORN_UTILS_ASYNC_TASK_EXECUTOR_H
+
+#include <functional>
+#include <future>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+namespace OHOS {
+namespace Vorn {
+// The one interface through which the service runs asynchronous work.
+class AsyncTaskExecutor {
+public:
+    virtual ~AsyncTaskExecutor() = default;
+
+    // Part of the interface but deliberately a no-op in every executor: all work goes through
+    // PostTaskDelay, with a delay of 0 for immediate execution.
+    virtual void PostTask(std::function<void()> task, const std::string &taskName)
+    {
+        (void)task;
+        (void)taskName;
+    }
+
+    virtual void PostTaskDelay(std::function<void()> task, const std::string &taskName, long delayMs) = 0;
+
+    virtual void RemoveTask(const std::string &taskName)
+    {
+        (void)taskName;
+    }
+
+    // Runs `func` as a named task and hands back the future of its result. The packaged task is
+    // shared so that dropping the future never waits for the task, and a task that throws leaves
+    // its exception in the future rather than on the pool thread.
+    template <typename F, typename R = std::invoke_result_t<std::decay_t<F>>>
+    std::future<R> Submit(F &&func, const std::string &taskName, long delayMs = 0)
+    {
+        auto task = std::make_shared<std::packaged_task<R()>>(std::forward<F>(func));
+        std::future<R> future = task->get_future();
+        PostTaskDelay([task]() { (*task)(); }, taskName, delayMs);
+        return future;
+    }
+};
+} // namespace Vorn
+} // namespace OHOS
+
+#endif // VORN_UTILS_ASYNC_TASK_EXECUTOR_H

@@ -1,0 +1,125 @@
+#include "omsa_util.h"
+
+#include <atomic>
+#include <ios>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+#include <nlohmann/json.hpp>
+
+#include "base_event.h"
+#include "event_handler_executor.h"
+#include "file_utils.h"
+#include "ipc_skeleton.h"
+#include "omsa_client_lite_api.h"
+#include "vorn_log.h"
+
+namespace OHOS {
+namespace Vorn {
+namespace {
+using OmsaCloud::EventTypeLite;
+using OmsaCloud::OmsaClientLiteApi;
+using OmsaCloud::OmsaConfigLite;
+using OmsaCloud::TypeConfigLite;
+
+constexpr const char *OMSA_CONFIG_PATH = "system/etc/tarnix/vorn_depot/omsa_config.json";
+constexpr const char *COLLECT_URL_KEY = "collect_url";
+constexpr const char *PACKAGE_NAME = "com.velmor.zul.networksdk";
+constexpr const char *KIT_UID_KEY = "kitUid";
+constexpr int32_t VORN_SA_ID = 66054;
+
+const std::string SERVICE_TAG = "vorn_service";
+std::atomic<bool> g_inited{false};
+std::mutex g_setupLock;
+// Set once under the set-up lock; read without it on IPC threads, hence the atomic access.
+std::shared_ptr<AsyncTaskExecutor> g_reportExecutor;
+
+std::shared_ptr<AsyncTaskExecutor> ReportExecutor()
+{
+    return std::atomic_load(&g_reportExecutor);
+}
+} // namespace
+
+int32_t OMSAUtil::Init()
+{
+    VORN_LOGI("OmsaUtil Init enter");
+    std::lock_guard<std::mutex> lock(g_setupLock);
+    if (g_inited.load(std::memory_order_relaxed)) {
+        VORN_LOGI("OmsaUtil Init already inited.");
+        return 0;
+    }
+    if (ReportExecutor() == nullptr) {
+        std::atomic_store(&g_reportExecutor, std::shared_ptr<AsyncTaskExecutor>(
+            std::make_shared<EventHandlerExecutor>(true)));
+    }
+    auto typeConfig = std::make_shared<TypeConfigLite>();
+    typeConfig->collectUrl = GetCollectUrl();
+    OmsaConfigLite config;
+    config.tag = SERVICE_TAG;
+    config.packageName = PACKAGE_NAME;
+    config.saId = VORN_SA_ID;
+    config.maintenanceConfig = typeConfig;
+    config.operationConfig = typeConfig;
+
+    int32_t code = OmsaClientLiteApi::SetConfigOptions(config).code;
+    if (code != 0) {
+        VORN_LOGW("OmsaClientLiteApi::SetConfigOptions failed, ret: %{public}d", code);
+        return code;
+    }
+    VORN_LOGI("OmsaClientLiteApi::SetConfigOptions success");
+    g_inited.store(true, std::memory_order_relaxed);
+    return 0;
+}
+
+std::string OMSAUtil::GetCollectUrl()
+{
+    std::string content;
+    if (FileUtils::ReadFile(OMSA_CONFIG_PATH, content, static_cast<uint32_t>(std::ios::in | std::ios::binary)) != 0) {
+        VORN_LOGE("OMSAUtil read the omsa configure failed");
+        return "";
+    }
+    if (!nlohmann::json::accept(content, false)) {
+        VORN_LOGE("OMSAUtil parse the omsa configure file failed.");
+        return "";
+    }
+    try {
+        nlohmann::json json = nlohmann::json::parse(content, nullptr, true, false);
+        if (json.is_object() && json.contains(COLLECT_URL_KEY)) {
+            return json.at(COLLECT_URL_KEY).get<std::string>();
+        }
+    } catch (const nlohmann::json::exception &) {
+        VORN_LOGE("OMSAUtil, Parse omsa config json catch exception");
+    }
+    return "";
+}
+
+void OMSAUtil::OnOmsaEvent(std::string eventId, std::string content)
+{
+    if (!g_inited.load(std::memory_order_relaxed) && Init() != 0) {
+        VORN_LOGW("OMSAUtil::OnOmsaEvent, not inited.");
+        return;
+    }
+    std::unordered_map<std::string, std::string> eventData = BaseEvent::EventDataJsonToMap(content);
+    // The caller is only known on the IPC thread, never inside the posted task.
+    eventData[KIT_UID_KEY] = std::to_string(IPCSkeleton::GetCallingUid());
+    VORN_LOGI("OmsaClientCoreInnerApi OnOmsaEvent, eventid:%{public}s, content:%{private}s, kvCount:%{public}lu",
+        eventId.c_str(), content.c_str(), static_cast<unsigned long>(eventData.size()));
+    // The executor exists: it is created before the set-up can succeed and is never dropped.
+    ReportExecutor()->PostTaskDelay([eventId = std::move(eventId), eventData = std::move(eventData)]() {
+        OnEvent(eventId, eventData);
+    }, "", 0);
+}
+
+void OMSAUtil::OnEvent(std::string eventId, std::unordered_map<std::string, std::string> eventData)
+{
+    if (!g_inited.load(std::memory_order_relaxed)) {
+        VORN_LOGW("OnEvent OMSA not inited");
+        return;
+    }
+    if (OmsaClientLiteApi::OnEvent(SERVICE_TAG, EventTypeLite::OPERATION, eventId, eventData).code != 0) {
+        VORN_LOGW("OMSA report failed");
+    }
+}
+} // namespace Vorn
+} // namespace OHOS
