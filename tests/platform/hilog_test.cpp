@@ -17,6 +17,8 @@
 #include "hilog/log.h"
 #include "hilog_host.h"
 
+#include "scoped_env.h"
+
 namespace {
 using HostPlatform::LogCapture;
 using HostPlatform::LogRecord;
@@ -26,33 +28,7 @@ constexpr unsigned int DOMAIN = 0xD005540;
 constexpr char TAG[] = "VornService";
 
 // Sets (or unsets, for nullopt) an environment variable and restores the old value on scope exit.
-class ScopedEnv {
-public:
-    ScopedEnv(const char *name, const std::optional<std::string> &value) : name_(name)
-    {
-        const char *old = std::getenv(name);
-        if (old != nullptr) {
-            old_ = old;
-        }
-        Apply(value);
-    }
-    ~ScopedEnv() { Apply(old_); }
-    ScopedEnv(const ScopedEnv &) = delete;
-    ScopedEnv &operator=(const ScopedEnv &) = delete;
-
-private:
-    void Apply(const std::optional<std::string> &value)
-    {
-        if (value) {
-            setenv(name_.c_str(), value->c_str(), 1);
-        } else {
-            unsetenv(name_.c_str());
-        }
-    }
-
-    std::string name_;
-    std::optional<std::string> old_;
-};
+using VornTest::ScopedEnv;
 
 // Every test logs into its own temporary file with private values masked, as on a device.
 class HiLogTest : public testing::Test {
@@ -266,7 +242,8 @@ TEST_F(HiLogTest, ConcurrentLoggersNeverInterleaveLines)
 
     std::vector<std::string> lines = FileLines();
     ASSERT_EQ(lines.size(), static_cast<size_t>(threads * linesPerThread));
-    std::regex whole(R"(^\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} [ \d]{5} [ \d]{5} I C05540/VornService: (\d)-([a-d]{300})-end$)");
+    std::regex whole(
+        R"(^\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} [ \d]{5} [ \d]{5} I C05540/VornService: (\d)-([a-d]{300})-end$)");
     for (const std::string &line : lines) {
         std::smatch match;
         ASSERT_TRUE(std::regex_match(line, match, whole)) << line;

@@ -12,37 +12,13 @@
 
 #include "omsa_client_lite_api.h"
 
+#include "scoped_env.h"
+
 namespace {
 using namespace OHOS::OmsaCloud;
 
 // Sets (or unsets, for nullopt) an environment variable and restores the old value on scope exit.
-class ScopedEnv {
-public:
-    ScopedEnv(const char *name, const std::optional<std::string> &value) : name_(name)
-    {
-        const char *old = std::getenv(name);
-        if (old != nullptr) {
-            old_ = old;
-        }
-        Apply(value);
-    }
-    ~ScopedEnv() { Apply(old_); }
-    ScopedEnv(const ScopedEnv &) = delete;
-    ScopedEnv &operator=(const ScopedEnv &) = delete;
-
-private:
-    void Apply(const std::optional<std::string> &value)
-    {
-        if (value) {
-            setenv(name_.c_str(), value->c_str(), 1);
-        } else {
-            unsetenv(name_.c_str());
-        }
-    }
-
-    std::string name_;
-    std::optional<std::string> old_;
-};
+using VornTest::ScopedEnv;
 
 class OmsaClientLiteTest : public testing::Test {
 protected:

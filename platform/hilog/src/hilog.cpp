@@ -137,6 +137,8 @@ int HiLogPrintArgs(LogType type, LogLevel level, unsigned int domain, const char
 }
 } // namespace
 
+// Returns the number of bytes written to the sink (0 for an empty message), or -1 when the log
+// is rejected or cannot be written.
 int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt, ...)
 {
     va_list args;
