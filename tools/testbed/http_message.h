@@ -34,7 +34,9 @@ enum class Stall { No, BeforeHead, AfterHead };
 struct HttpResponse {
     int status = 200;
     std::string reason;                   // empty: the usual phrase of the status
-    std::vector<std::string> headerLines; // raw "Name: value" lines without CRLF, sent first, in order
+    // Raw "Name: value" lines without CRLF, sent in order; the server adds Content-Length, and
+    // Content-Encoding or Connection: close where they apply, after them.
+    std::vector<std::string> headerLines;
     std::string body;                     // any bytes
 
     // A large body made while sending (generatedBodySize bytes of fillByte) instead of `body`.

@@ -54,6 +54,11 @@ LocalHttpsServer::~LocalHttpsServer()
 
 bool LocalHttpsServer::Start()
 {
+    // Connection threads use the TLS context unlocked, so it is set up exactly once.
+    if (started_) {
+        return false;
+    }
+    started_ = true;
     if (!options_.plainHttp && !SetUpTls()) {
         return false;
     }

@@ -75,6 +75,7 @@ private:
 
     ServerOptions options_;
     SslCtxPtr context_;
+    bool started_ = false;
     StopSignal stop_;
     TcpAcceptor acceptor_;
 

@@ -1,6 +1,7 @@
 #include "request_reader.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <sstream>
 
@@ -70,8 +71,9 @@ RequestReader::RequestReader(SocketStream& stream) : stream_(stream) {}
 RequestReader::Result RequestReader::Next(HttpRequest& request)
 {
     size_t headEnd = 0;
-    if (!FillUntilHeadEnd(headEnd)) {
-        return buffer_.size() > kMaxHeadBytes ? Result::TooLarge : Result::Closed;
+    Result filled = FillUntilHeadEnd(headEnd);
+    if (filled != Result::Ok) {
+        return filled;
     }
     std::string head = buffer_.substr(0, headEnd);
     buffer_.erase(0, headEnd + 4);
@@ -86,29 +88,33 @@ RequestReader::Result RequestReader::Next(HttpRequest& request)
     if (contentLength && !ParseLength(*contentLength, length)) {
         return Result::Malformed;
     }
-    auto expect = request.Header("Expect");
-    if (expect && length > 0 && !stream_.WriteAll("HTTP/1.1 100 Continue\r\n\r\n")) {
+    if (request.Header("Expect") == "100-continue" && length > 0 && !stream_.WriteAll("HTTP/1.1 100 Continue\r\n\r\n")) {
         return Result::Closed;
     }
     return ReadExactly(length, request.body) ? Result::Ok : Result::Closed;
 }
 
-bool RequestReader::FillUntilHeadEnd(size_t& headEnd)
+RequestReader::Result RequestReader::FillUntilHeadEnd(size_t& headEnd)
 {
     char chunk[kReadChunk];
     size_t searchFrom = 0;
     for (;;) {
         headEnd = buffer_.find("\r\n\r\n", searchFrom);
         if (headEnd != std::string::npos) {
-            return true;
+            return Result::Ok;
+        }
+        // A request starts with its method; anything else (a TLS ClientHello sent to the plain
+        // HTTP mode, say) never ends in a blank line and is answered at once instead of waited on.
+        if (!buffer_.empty() && !std::isalpha(static_cast<unsigned char>(buffer_[0]))) {
+            return Result::Malformed;
         }
         if (buffer_.size() > kMaxHeadBytes) {
-            return false;
+            return Result::TooLarge;
         }
         searchFrom = buffer_.size() < 3 ? 0 : buffer_.size() - 3;
         size_t received = stream_.Read(chunk, sizeof(chunk));
         if (received == 0) {
-            return false;
+            return Result::Closed;
         }
         buffer_.append(chunk, received);
     }

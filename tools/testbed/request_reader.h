@@ -18,7 +18,7 @@ public:
     Result Next(HttpRequest& request);
 
 private:
-    bool FillUntilHeadEnd(size_t& headEnd);
+    Result FillUntilHeadEnd(size_t& headEnd);
     bool ReadExactly(size_t length, std::string& out);
 
     SocketStream& stream_;

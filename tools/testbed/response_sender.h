@@ -1,6 +1,7 @@
 #ifndef VORN_TESTBED_RESPONSE_SENDER_H
 #define VORN_TESTBED_RESPONSE_SENDER_H
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <string_view>

@@ -1,6 +1,8 @@
 #include "tcp_acceptor.h"
 
 #include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 
@@ -86,9 +88,13 @@ void TcpAcceptor::AcceptLoop()
             continue;
         }
         UniqueFd client(::accept4(listenFd_.Get(), nullptr, nullptr, SOCK_CLOEXEC));
-        if (client.Valid()) {
-            Launch(std::move(client));
+        if (!client.Valid()) {
+            continue;
         }
+        // Heads and bodies go out in separate writes; Nagle would hold the second one back.
+        int noDelay = 1;
+        ::setsockopt(client.Get(), IPPROTO_TCP, TCP_NODELAY, &noDelay, sizeof(noDelay));
+        Launch(std::move(client));
     }
 }
 
