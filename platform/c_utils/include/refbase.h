@@ -2,6 +2,7 @@
 #define UTILS_BASE_REFBASE_H
 
 #include <atomic>
+#include <cstddef>
 #include <utility>
 
 namespace OHOS {
@@ -98,7 +99,6 @@ public:
 
     bool AttemptAcquire(const void *objectId);
     bool AttemptIncStrongRef(const void *objectId);
-    bool IsAttemptAcquireSet();
     bool IsExtendLifeTimeSet();
 
     virtual void OnFirstStrongRef(const void *objectId);
@@ -133,7 +133,7 @@ public:
     }
 
     template <typename O>
-    sptr(const sptr<O> &other) : sptr(static_cast<T *>(other.GetRefPtr()))
+    sptr(const sptr<O> &other) : sptr(other.GetRefPtr())
     {
     }
 
@@ -226,7 +226,19 @@ public:
     template <typename O>
     sptr<T> &operator=(const sptr<O> &other)
     {
-        return operator=(static_cast<T *>(other.GetRefPtr()));
+        return operator=(other.GetRefPtr());
+    }
+
+    // The overloads for T*, const T* and nullptr keep comparisons with raw pointers from being
+    // ambiguous against the built-in comparison reached through operator T*().
+    bool operator==(T *other) const
+    {
+        return refs_ == other;
+    }
+
+    bool operator!=(T *other) const
+    {
+        return refs_ != other;
     }
 
     bool operator==(const T *other) const
@@ -237,6 +249,16 @@ public:
     bool operator!=(const T *other) const
     {
         return refs_ != other;
+    }
+
+    bool operator==(std::nullptr_t) const
+    {
+        return refs_ == nullptr;
+    }
+
+    bool operator!=(std::nullptr_t) const
+    {
+        return refs_ != nullptr;
     }
 
     bool operator==(const sptr<T> &other) const
@@ -281,12 +303,12 @@ public:
 
     // The pointer conversion reads the object, so it must still be alive (as on the device).
     template <typename O>
-    wptr(const wptr<O> &other) : refs_(Attach(static_cast<T *>(other.GetRefPtr())))
+    wptr(const wptr<O> &other) : refs_(Attach(other.GetRefPtr()))
     {
     }
 
     template <typename O>
-    wptr(const sptr<O> &other) : refs_(Attach(static_cast<T *>(other.GetRefPtr())))
+    wptr(const sptr<O> &other) : refs_(Attach(other.GetRefPtr()))
     {
     }
 

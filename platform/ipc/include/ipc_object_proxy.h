@@ -1,0 +1,45 @@
+#ifndef OHOS_IPC_IPC_OBJECT_PROXY_H
+#define OHOS_IPC_IPC_OBJECT_PROXY_H
+
+#include <string>
+#include <vector>
+
+#include "iremote_object.h"
+#include "message_option.h"
+#include "message_parcel.h"
+
+namespace OHOS {
+class IPCObjectStub;
+
+// What a process holds for an object that lives in another process. On the host the "other
+// process" is a stub in this one: a transaction copies the parcels as the driver would and
+// runs the stub on the calling thread under the caller's identity.
+class IPCObjectProxy : public IRemoteObject {
+public:
+    ~IPCObjectProxy() override;
+
+    int SendRequest(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option) override;
+    bool IsProxyObject() const override
+    {
+        return true;
+    }
+    bool IsObjectDead() const override;
+    bool CheckObjectLegality() const override;
+    int32_t GetObjectRefCount() override;
+    int Dump(int fd, const std::vector<std::u16string> &args) override;
+    std::u16string GetInterfaceDescriptor() override;
+    bool AddDeathRecipient(const sptr<DeathRecipient> &recipient) override;
+    bool RemoveDeathRecipient(const sptr<DeathRecipient> &recipient) override;
+    uint32_t GetHandle();
+
+private:
+    friend class IpcHostAccess;
+    explicit IPCObjectProxy(const sptr<IPCObjectStub> &target);
+
+    int SendRequestInner(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option);
+
+    const sptr<IPCObjectStub> target_;
+};
+} // namespace OHOS
+
+#endif // OHOS_IPC_IPC_OBJECT_PROXY_H

@@ -1,0 +1,111 @@
+#include "ipc_object_proxy.h"
+
+#include <algorithm>
+
+#include "errors.h"
+#include "ipc_host_access.h"
+#include "ipc_object_stub.h"
+#include "ipc_thread_context.h"
+#include "ipc_types.h"
+
+namespace OHOS {
+IPCObjectProxy::IPCObjectProxy(const sptr<IPCObjectStub> &target)
+    : IRemoteObject(target->GetObjectDescriptor()), target_(target)
+{
+}
+
+IPCObjectProxy::~IPCObjectProxy()
+{
+    IpcHostAccess::State(*target_).RemoveProxy(this);
+}
+
+int IPCObjectProxy::SendRequest(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option)
+{
+    if (IsObjectDead()) {
+        return ERR_DEAD_OBJECT;
+    }
+    if (code != DUMP_TRANSACTION && code > MAX_TRANSACTION_ID) {
+        return IPC_PROXY_INVALID_CODE_ERR;
+    }
+    return SendRequestInner(code, data, reply, option);
+}
+
+// Every transaction is synchronous on the host, TF_ASYNC included: the stub runs on this
+// thread and its reply is copied back before returning. The stub gets its own copies of the
+// parcels, as it would in its own process, and sees this thread's outgoing identity as caller.
+int IPCObjectProxy::SendRequestInner(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option)
+{
+    if (IsObjectDead()) {
+        return ERR_DEAD_OBJECT;
+    }
+    MessageParcel stubData;
+    stubData.SetMaxCapacity(std::max(stubData.GetMaxCapacity(), data.GetDataSize()));
+    if (!stubData.Append(data)) {
+        return IPC_PROXY_WRITE_PARCEL_ERR;
+    }
+    MessageParcel stubReply;
+    int result = ERR_NONE;
+    {
+        IpcThreadContext::DispatchScope scope(IpcThreadContext::Outgoing());
+        result = target_->SendRequest(code, stubData, stubReply, option);
+    }
+    reply.Reset();
+    reply.SetMaxCapacity(std::max(reply.GetMaxCapacity(), stubReply.GetDataSize()));
+    if (!reply.Append(stubReply)) {
+        return ERR_INVALID_REPLY;
+    }
+    return result;
+}
+
+bool IPCObjectProxy::IsObjectDead() const
+{
+    return IpcHostAccess::State(*target_).IsDead();
+}
+
+bool IPCObjectProxy::CheckObjectLegality() const
+{
+    return true;
+}
+
+int32_t IPCObjectProxy::GetObjectRefCount()
+{
+    return GetSptrRefCount();
+}
+
+int IPCObjectProxy::Dump(int fd, const std::vector<std::u16string> &args)
+{
+    MessageParcel data;
+    MessageParcel reply;
+    MessageOption option;
+    if (!data.WriteFileDescriptor(fd) || !data.WriteString16Vector(args)) {
+        return IPC_PROXY_WRITE_PARCEL_ERR;
+    }
+    return SendRequest(DUMP_TRANSACTION, data, reply, option);
+}
+
+std::u16string IPCObjectProxy::GetInterfaceDescriptor()
+{
+    MessageParcel data;
+    MessageParcel reply;
+    MessageOption option;
+    if (SendRequestInner(INTERFACE_TRANSACTION, data, reply, option) != ERR_NONE) {
+        return std::u16string();
+    }
+    return reply.ReadString16();
+}
+
+bool IPCObjectProxy::AddDeathRecipient(const sptr<DeathRecipient> &recipient)
+{
+    return recipient != nullptr && IpcHostAccess::State(*target_).AddDeathRecipient(this, recipient);
+}
+
+bool IPCObjectProxy::RemoveDeathRecipient(const sptr<DeathRecipient> &recipient)
+{
+    return recipient != nullptr && IpcHostAccess::State(*target_).RemoveDeathRecipient(this, recipient);
+}
+
+uint32_t IPCObjectProxy::GetHandle()
+{
+    return IpcHostAccess::State(*target_).Handle();
+}
+} // namespace OHOS

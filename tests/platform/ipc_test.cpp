@@ -1,0 +1,379 @@
+#include <unistd.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "errors.h"
+#include "hilog_host.h"
+#include "ipc_host.h"
+#include "ipc_object_stub.h"
+#include "ipc_skeleton.h"
+#include "ipc_types.h"
+#include "iremote_broker.h"
+#include "iremote_proxy.h"
+#include "iremote_stub.h"
+#include "message_option.h"
+#include "message_parcel.h"
+
+namespace {
+using namespace OHOS;
+using HostPlatform::CallerIdentity;
+
+constexpr uint32_t CODE_ECHO = 1;
+constexpr uint32_t CODE_WHO = 2;
+constexpr uint32_t CODE_FORWARD_WHO = 3;
+constexpr uint32_t CODE_RESET_WHO = 4;
+
+class IEcho : public IRemoteBroker {
+public:
+    DECLARE_INTERFACE_DESCRIPTOR(u"host.test.IEcho");
+    // Sends a number, a text and an object; the stub answers number + 1, text + "!" and itself.
+    virtual int32_t Echo(int32_t number, const std::string &text, const sptr<IRemoteObject> &object,
+        int32_t &numberOut, std::string &textOut) = 0;
+};
+
+class IUnregistered : public IRemoteBroker {
+public:
+    DECLARE_INTERFACE_DESCRIPTOR(u"host.test.IUnregistered");
+};
+
+struct Received {
+    int32_t number = 0;
+    std::string text;
+    sptr<IRemoteObject> object;
+};
+
+class EchoStub : public IRemoteStub<IEcho> {
+public:
+    int32_t Echo(int32_t, const std::string &, const sptr<IRemoteObject> &, int32_t &, std::string &) override
+    {
+        return ERR_INVALID_OPERATION; // only reached through transactions in these tests
+    }
+
+    int OnRemoteRequest(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option) override
+    {
+        if (data.ReadInterfaceToken() != GetDescriptor()) {
+            return ERR_INVALID_DATA;
+        }
+        switch (code) {
+            case CODE_ECHO:
+                received.number = data.ReadInt32();
+                received.text = data.ReadString();
+                received.object = data.ReadRemoteObject();
+                reply.WriteInt32(received.number + 1);
+                reply.WriteString(received.text + "!");
+                reply.WriteRemoteObject(AsObject());
+                return ERR_NONE;
+            case CODE_WHO:
+                reply.WriteUint32(IPCSkeleton::GetCallingTokenID());
+                reply.WriteUint64(IPCSkeleton::GetCallingFullTokenID());
+                reply.WriteInt32(IPCSkeleton::GetCallingUid());
+                return ERR_NONE;
+            case CODE_FORWARD_WHO: {
+                // Calls on to another object, as a service calling a client back would.
+                MessageParcel forward;
+                forward.WriteInterfaceToken(GetDescriptor());
+                return data.ReadRemoteObject()->SendRequest(CODE_WHO, forward, reply, option);
+            }
+            case CODE_RESET_WHO: {
+                // Acting as itself for a while, as services do around calls of their own.
+                std::string caller = IPCSkeleton::ResetCallingIdentity();
+                reply.WriteInt32(IPCSkeleton::GetCallingUid());
+                bool restored = IPCSkeleton::SetCallingIdentity(caller);
+                reply.WriteInt32(IPCSkeleton::GetCallingUid());
+                return restored ? ERR_NONE : ERR_INVALID_STATE;
+            }
+            default:
+                return IPCObjectStub::OnRemoteRequest(code, data, reply, option);
+        }
+    }
+
+    Received received;
+};
+
+class EchoProxy : public IRemoteProxy<IEcho> {
+public:
+    explicit EchoProxy(const sptr<IRemoteObject> &object) : IRemoteProxy<IEcho>(object) {}
+
+    int32_t Echo(int32_t number, const std::string &text, const sptr<IRemoteObject> &object, int32_t &numberOut,
+        std::string &textOut) override
+    {
+        MessageParcel data;
+        MessageParcel reply;
+        MessageOption option;
+        data.WriteInterfaceToken(GetDescriptor());
+        data.WriteInt32(number);
+        data.WriteString(text);
+        data.WriteRemoteObject(object);
+        int result = Remote()->SendRequest(CODE_ECHO, data, reply, option);
+        numberOut = reply.ReadInt32();
+        textOut = reply.ReadString();
+        replyObject = reply.ReadRemoteObject();
+        return result;
+    }
+
+    sptr<IRemoteObject> replyObject;
+
+private:
+    static inline BrokerDelegator<EchoProxy> delegator_;
+};
+
+class CountingRecipient : public IRemoteObject::DeathRecipient {
+public:
+    void OnRemoteDied(const wptr<IRemoteObject> &object) override
+    {
+        deaths++;
+        lastDied = object.GetRefPtr();
+    }
+    std::atomic<int> deaths{0};
+    IRemoteObject *lastDied = nullptr;
+};
+
+int Call(const sptr<IRemoteObject> &remote, uint32_t code, MessageParcel &reply)
+{
+    MessageParcel data;
+    MessageOption option;
+    data.WriteInterfaceToken(IEcho::GetDescriptor());
+    return remote->SendRequest(code, data, reply, option);
+}
+
+CallerIdentity WhoDoesTheStubSee(const sptr<IRemoteObject> &remote)
+{
+    MessageParcel reply;
+    EXPECT_EQ(Call(remote, CODE_WHO, reply), ERR_NONE);
+    CallerIdentity seen{};
+    seen.tokenId = reply.ReadUint32();
+    seen.fullTokenId = reply.ReadUint64();
+    seen.uid = reply.ReadInt32();
+    return seen;
+}
+
+TEST(MessageParcelTest, InterfaceTokenRoundTripsInItsWireLayout)
+{
+    MessageParcel parcel;
+    ASSERT_TRUE(parcel.WriteInterfaceToken(u"host.test.Token"));
+    EXPECT_EQ(parcel.ReadInt32(), 0x100);
+    EXPECT_EQ(parcel.ReadInt32(), 0);
+    EXPECT_EQ(parcel.ReadString16(), u"host.test.Token");
+
+    parcel.RewindRead(0);
+    EXPECT_EQ(parcel.ReadInterfaceToken(), u"host.test.Token");
+
+    MessageParcel truncated;
+    truncated.WriteInt32(0x100);
+    truncated.WriteInt32(0);
+    EXPECT_EQ(truncated.ReadInterfaceToken(), u"");
+    EXPECT_EQ(truncated.GetReadPosition(), 0u);
+}
+
+TEST(MessageParcelTest, ObjectEntriesCannotBeForged)
+{
+    sptr<EchoStub> stub = new EchoStub();
+    MessageParcel original;
+    ASSERT_TRUE(original.WriteRemoteObject(stub->AsObject()));
+    ASSERT_TRUE(original.WriteRemoteObject(nullptr));
+
+    // The same bytes without the side table, as a malicious sender could produce them.
+    MessageParcel forged;
+    ASSERT_TRUE(forged.WriteBuffer(reinterpret_cast<const void *>(original.GetData()), original.GetDataSize()));
+    EXPECT_EQ(forged.ReadRemoteObject(), nullptr);
+
+    sptr<IRemoteObject> received = original.ReadRemoteObject();
+    ASSERT_NE(received, nullptr);
+    EXPECT_TRUE(received->IsProxyObject());
+    EXPECT_EQ(original.ReadRemoteObject(), nullptr); // the null object
+    EXPECT_EQ(original.ReadRemoteObject(), nullptr); // past the end
+}
+
+TEST(MessageParcelTest, FileDescriptorsArriveAsNewDescriptorsOfTheSameFile)
+{
+    int fds[2];
+    ASSERT_EQ(pipe(fds), 0);
+    MessageParcel parcel;
+    ASSERT_TRUE(parcel.WriteFileDescriptor(fds[1]));
+    close(fds[1]);
+    int received = parcel.ReadFileDescriptor();
+    ASSERT_GE(received, 0);
+    ASSERT_EQ(write(received, "x", 1), 1);
+    close(received);
+    char byte = 0;
+    EXPECT_EQ(read(fds[0], &byte, 1), 1);
+    EXPECT_EQ(byte, 'x');
+    close(fds[0]);
+}
+
+TEST(IpcTest, TransactionCarriesValuesAndObjectsBothWays)
+{
+    sptr<EchoStub> service = new EchoStub();
+    sptr<EchoStub> callback = new EchoStub();
+    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(service->AsObject());
+    ASSERT_TRUE(remote->IsProxyObject());
+    EXPECT_EQ(remote->GetObjectDescriptor(), IEcho::GetDescriptor());
+    EXPECT_EQ(remote->GetInterfaceDescriptor(), IEcho::GetDescriptor());
+
+    sptr<IEcho> echo = iface_cast<IEcho>(remote);
+    ASSERT_NE(echo, nullptr);
+    int32_t number = 0;
+    std::string text;
+    ASSERT_EQ(echo->Echo(41, "hi", callback->AsObject(), number, text), ERR_NONE);
+    EXPECT_EQ(number, 42);
+    EXPECT_EQ(text, "hi!");
+    EXPECT_EQ(service->received.number, 41);
+    EXPECT_EQ(service->received.text, "hi");
+
+    // The service holds a proxy to the callback, and the client one to the service.
+    ASSERT_NE(service->received.object, nullptr);
+    EXPECT_TRUE(service->received.object->IsProxyObject());
+    EXPECT_NE(service->received.object.GetRefPtr(), callback->AsObject().GetRefPtr());
+    sptr<IRemoteObject> replyObject = static_cast<EchoProxy *>(echo.GetRefPtr())->replyObject;
+    ASSERT_NE(replyObject, nullptr);
+    EXPECT_TRUE(replyObject->IsProxyObject());
+
+    int32_t ignored = 0;
+    iface_cast<IEcho>(service->received.object)->Echo(7, "back", nullptr, ignored, text);
+    EXPECT_EQ(callback->received.number, 7);
+    EXPECT_EQ(callback->received.object, nullptr);
+}
+
+TEST(IpcTest, IfaceCastGivesRegisteredProxyForRemotesAndTheStubItselfLocally)
+{
+    sptr<EchoStub> stub = new EchoStub();
+    sptr<IEcho> local = iface_cast<IEcho>(stub->AsObject());
+    EXPECT_EQ(local.GetRefPtr(), static_cast<IEcho *>(stub.GetRefPtr()));
+
+    sptr<IEcho> remote = iface_cast<IEcho>(HostPlatform::MakeRemoteProxy(stub->AsObject()));
+    EXPECT_NE(dynamic_cast<EchoProxy *>(remote.GetRefPtr()), nullptr);
+
+    EXPECT_EQ(iface_cast<IUnregistered>(stub->AsObject()), nullptr);                         // other descriptor
+    EXPECT_EQ(iface_cast<IUnregistered>(HostPlatform::MakeRemoteProxy(stub->AsObject())), nullptr); // no proxy class
+    EXPECT_EQ(iface_cast<IEcho>(nullptr), nullptr);
+}
+
+TEST(IpcTest, DeadObjectFailsTransactionsAndNotifiesRecipients)
+{
+    sptr<EchoStub> stub = new EchoStub();
+    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub->AsObject());
+    sptr<CountingRecipient> recipient = new CountingRecipient();
+    ASSERT_TRUE(remote->AddDeathRecipient(recipient));
+    EXPECT_FALSE(stub->AddDeathRecipient(recipient)); // a local object cannot die remotely
+
+    HostPlatform::MarkObjectDead(stub->AsObject());
+    EXPECT_TRUE(remote->IsObjectDead());
+    EXPECT_EQ(recipient->deaths, 1);
+    EXPECT_EQ(recipient->lastDied, remote.GetRefPtr());
+
+    MessageParcel reply;
+    EXPECT_EQ(Call(remote, CODE_WHO, reply), ERR_DEAD_OBJECT);
+    EXPECT_EQ(ERR_DEAD_OBJECT, 32);
+    EXPECT_TRUE(HostPlatform::MakeRemoteProxy(remote)->IsObjectDead());
+    EXPECT_FALSE(remote->AddDeathRecipient(recipient));
+    HostPlatform::MarkObjectDead(remote); // dying twice notifies once
+    EXPECT_EQ(recipient->deaths, 1);
+}
+
+TEST(IpcTest, RemovedRecipientIsNotNotified)
+{
+    sptr<EchoStub> stub = new EchoStub();
+    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub->AsObject());
+    sptr<CountingRecipient> recipient = new CountingRecipient();
+    ASSERT_TRUE(remote->AddDeathRecipient(recipient));
+    ASSERT_TRUE(remote->RemoveDeathRecipient(recipient));
+    EXPECT_FALSE(remote->RemoveDeathRecipient(recipient));
+    HostPlatform::MarkObjectDead(remote);
+    EXPECT_EQ(recipient->deaths, 0);
+}
+
+TEST(IpcTest, SpecialAndUnknownCodes)
+{
+    sptr<EchoStub> stub = new EchoStub();
+    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub->AsObject());
+    HostPlatform::LogCapture logs;
+    MessageParcel reply;
+    EXPECT_EQ(Call(remote, 99, reply), IPC_STUB_UNKNOW_TRANS_ERR);
+    EXPECT_EQ(IPC_STUB_UNKNOW_TRANS_ERR, 305);
+    EXPECT_EQ(logs.CountContaining("unknown code"), 1u);
+
+    EXPECT_EQ(Call(remote, MAX_TRANSACTION_ID + 1u, reply), IPC_PROXY_INVALID_CODE_ERR);
+    EXPECT_EQ(Call(remote, PING_TRANSACTION, reply), IPC_PROXY_INVALID_CODE_ERR); // reserved for the driver
+    MessageParcel data;
+    MessageOption option;
+    EXPECT_EQ(stub->SendRequest(PING_TRANSACTION, data, reply, option), ERR_NONE);
+}
+
+TEST(IpcIdentityTest, StubSeesTheCallersIdentityOnlyDuringTheCall)
+{
+    sptr<EchoStub> stub = new EchoStub();
+    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub->AsObject());
+
+    CallerIdentity self = WhoDoesTheStubSee(remote);
+    EXPECT_EQ(self.uid, static_cast<pid_t>(getuid()));
+    EXPECT_EQ((self.tokenId >> 27) & 3, 1u); // native
+
+    const CallerIdentity app = HostPlatform::SystemAppCaller(20010042);
+    {
+        HostPlatform::ScopedCallerIdentity scope(app);
+        CallerIdentity seen = WhoDoesTheStubSee(remote);
+        EXPECT_EQ(seen.uid, 20010042);
+        EXPECT_EQ(seen.tokenId, app.tokenId);
+        EXPECT_EQ((seen.tokenId >> 27) & 3, 0u); // HAP
+        EXPECT_EQ(seen.fullTokenId & (1ULL << 32), 1ULL << 32);
+        // Outside a transaction a thread reports itself.
+        EXPECT_EQ(IPCSkeleton::GetCallingUid(), 20010042);
+
+        HostPlatform::ScopedCallerIdentity inner(HostPlatform::AppCaller(20010043));
+        seen = WhoDoesTheStubSee(remote);
+        EXPECT_EQ(seen.uid, 20010043);
+        EXPECT_EQ(seen.fullTokenId & (1ULL << 32), 0u);
+    }
+    EXPECT_EQ(IPCSkeleton::GetCallingTokenID(), self.tokenId);
+}
+
+TEST(IpcIdentityTest, CallsMadeByAStubCarryItsOwnProcessIdentity)
+{
+    sptr<EchoStub> service = new EchoStub();
+    sptr<EchoStub> client = new EchoStub();
+    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(service->AsObject());
+    HostPlatform::ScopedCallerIdentity scope(HostPlatform::AppCaller(20010044));
+
+    MessageParcel data;
+    MessageParcel reply;
+    MessageOption option;
+    data.WriteInterfaceToken(IEcho::GetDescriptor());
+    data.WriteRemoteObject(client->AsObject());
+    ASSERT_EQ(remote->SendRequest(CODE_FORWARD_WHO, data, reply, option), ERR_NONE);
+    reply.ReadUint32();
+    reply.ReadUint64();
+    EXPECT_EQ(reply.ReadInt32(), static_cast<pid_t>(getuid()));
+}
+
+TEST(IpcIdentityTest, IdentitySetOnOneThreadDoesNotLeakToAnother)
+{
+    sptr<EchoStub> stub = new EchoStub();
+    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub->AsObject());
+    HostPlatform::ScopedCallerIdentity scope(HostPlatform::AppCaller(20010045));
+
+    CallerIdentity seenFromOtherThread{};
+    std::thread other([&remote, &seenFromOtherThread] { seenFromOtherThread = WhoDoesTheStubSee(remote); });
+    other.join();
+    EXPECT_EQ(seenFromOtherThread.uid, static_cast<pid_t>(getuid()));
+    EXPECT_EQ(seenFromOtherThread.tokenId, HostPlatform::ProcessIdentity().tokenId);
+    EXPECT_EQ(WhoDoesTheStubSee(remote).uid, 20010045);
+}
+
+TEST(IpcIdentityTest, ResetAndSetCallingIdentitySwitchBetweenSelfAndCaller)
+{
+    sptr<EchoStub> stub = new EchoStub();
+    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub->AsObject());
+    HostPlatform::ScopedCallerIdentity scope(HostPlatform::AppCaller(20010046));
+    MessageParcel reply;
+    ASSERT_EQ(Call(remote, CODE_RESET_WHO, reply), ERR_NONE);
+    EXPECT_EQ(reply.ReadInt32(), static_cast<pid_t>(getuid()));
+    EXPECT_EQ(reply.ReadInt32(), 20010046);
+
+    std::string garbage = "not an identity";
+    EXPECT_FALSE(IPCSkeleton::SetCallingIdentity(garbage));
+}
+} // namespace
