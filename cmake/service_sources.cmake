@@ -8,6 +8,9 @@ set(VORN_SERVICE_SOURCES
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/time_utils.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/path.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/file_utils.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../utils/src/base_event.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../http/vorn_http_logic.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_request_callback_proxy.cpp
 )
 set(VORN_SERVICE_INCLUDE_DIRS
   ${CMAKE_CURRENT_LIST_DIR}/../service

@@ -1,0 +1,258 @@
+#include <regex>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "connect_proxy.h"
+#include "hilog_host.h"
+#include "https_fixture.h"
+#include "vorn_http_logic.h"
+
+namespace {
+using OHOS::Vorn::HttpLogic;
+using VornTestbed::HttpResponse;
+
+class HttpLogicTest : public VornTest::HttpsFixture {
+protected:
+    static void SetUpTestSuite()
+    {
+        ASSERT_TRUE(HttpLogic::GlobalInit());
+    }
+
+    // One complete transfer: the status, then heads and body as the worker reads them.
+    struct Outcome {
+        long status;
+        std::string heads;
+        std::string body;
+    };
+
+    static Outcome Post(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info, const std::string &url)
+    {
+        HttpLogic logic(info, url);
+        EXPECT_EQ(logic.InitHttpLogic(), 0);
+        long status = logic.PostHttpsRequest();
+        return {status, logic.GetResponseHeads(), logic.GetResponseBody()};
+    }
+
+    std::vector<std::string> SyntheticLines(const std::string &heads) const
+    {
+        std::vector<std::string> lines;
+        std::string::size_type start = 0;
+        for (auto end = heads.find("\r\n"); end != std::string::npos; end = heads.find("\r\n", start)) {
+            lines.push_back(heads.substr(start, end - start));
+            start = end + 2;
+        }
+        return lines;
+    }
+};
+
+TEST_F(HttpLogicTest, PostsHeadersQueryAndServiceListAndReturnsTheBody)
+{
+    server_->Respond("/query", HttpResponse::Text(200, "{\"urls\":[\"a\"]}"));
+    Outcome outcome = Post(Request({}), Url("/query"));
+
+    EXPECT_EQ(outcome.status, 200);
+    EXPECT_EQ(outcome.body, "{\"urls\":[\"a\"]}");
+    ASSERT_EQ(server_->RequestCount(), 1u);
+    VornTestbed::HttpRequest seen = server_->Requests().front();
+    EXPECT_EQ(seen.method, "POST");
+    EXPECT_EQ(seen.path, "/query");
+    EXPECT_EQ(seen.query, "appId=42&scope=test");
+    EXPECT_EQ(seen.Header("X-Client").value_or(""), "vorn-test");
+    EXPECT_EQ(seen.Header("Accept").value_or(""), "application/json");
+    EXPECT_EQ(seen.body, "{\"services\":[\"alpha\",\"beta\"]}");
+    EXPECT_EQ(seen.Header("Accept-Encoding").value_or(""), "gzip");
+}
+
+TEST_F(HttpLogicTest, GnsRequestsKeepTheUrlAndPassRawHeads)
+{
+    HttpResponse response = HttpResponse::Text(200, "ok");
+    response.headerLines = {"Cache-Control: max-age=60", "X-Raw: yes"};
+    server_->Respond("/gns", response);
+    auto info = Request({});
+    info.saType = "gns";
+    info.requestBody.clear();
+
+    Outcome outcome = Post(info, Url("/gns"));
+
+    EXPECT_EQ(outcome.status, 200);
+    ASSERT_EQ(server_->RequestCount(), 1u);
+    EXPECT_EQ(server_->Requests().front().query, "");
+    EXPECT_EQ(server_->Requests().front().body, "{\"services\":[]}");
+    EXPECT_EQ(outcome.heads.rfind("HTTP/1.1 200", 0), 0u);
+    EXPECT_NE(outcome.heads.find("X-Raw: yes\r\n"), std::string::npos);
+    EXPECT_EQ(outcome.heads.substr(outcome.heads.size() - 4), "\r\n\r\n");
+}
+
+TEST_F(HttpLogicTest, AnyOtherSaTypeAppendsTheQuery)
+{
+    server_->Respond("/q", HttpResponse::Text(200, "ok"));
+    for (const char *saType : {"GNS", "", "other"}) {
+        auto info = Request({});
+        info.saType = saType;
+        HttpLogic logic(info, Url("/q"));
+        ASSERT_EQ(logic.InitHttpLogic(), 0);
+        EXPECT_EQ(logic.PostHttpsRequest(), 200) << saType;
+    }
+    for (const auto &request : server_->Requests()) {
+        EXPECT_EQ(request.path, "/q");
+        EXPECT_EQ(request.query, "appId=42&scope=test");
+    }
+}
+
+TEST_F(HttpLogicTest, SynthesisesHeadsFromCacheControlLinesOfTheFinalResponse)
+{
+    HttpResponse first = HttpResponse::Redirect(302, "/final");
+    first.headerLines.push_back("Cache-Control: max-age=1");
+    server_->Respond("/start", first);
+    HttpResponse final = HttpResponse::Text(200, "done");
+    final.headerLines = {"cache-control: max-age=3600", "Cache-Control: no-cache",
+        "X-Cache-Control: public, max-age=60, s-maxage=30", "Content-Type: text/plain"};
+    server_->Respond("/final", final);
+
+    Outcome outcome = Post(Request({}), Url("/start"));
+
+    ASSERT_EQ(outcome.status, 200);
+    std::vector<std::string> lines = SyntheticLines(outcome.heads);
+    ASSERT_EQ(lines.size(), 9u) << outcome.heads;
+    EXPECT_EQ(lines[0], "Rule: appId=42&scope=test");
+    EXPECT_EQ(lines[1], "Version: 1.2.3");
+    EXPECT_EQ(lines[2], "Service-List: {\"services\":[\"alpha\",\"beta\"]}");
+    EXPECT_TRUE(std::regex_match(lines[3], std::regex("Cache-time: [0-9]{10}"))) << lines[3];
+    EXPECT_EQ(lines[4], "Cache-status: success");
+    EXPECT_EQ(lines[5], "Cache-Control: 3600");
+    EXPECT_EQ(lines[6], "Cache-Control: Cache-Control: no-cache");
+    EXPECT_EQ(lines[7], "Cache-Control: 60, s-maxage=30");
+    EXPECT_EQ(lines[8], "");
+    EXPECT_EQ(outcome.heads.find("max-age=1"), std::string::npos);
+}
+
+TEST_F(HttpLogicTest, ErrorStatusIsReturnedWithItsHeadsAndBody)
+{
+    server_->Respond("/missing", HttpResponse::Text(404, "no such thing"));
+    HostPlatform::LogCapture logs;
+
+    Outcome outcome = Post(Request({}), Url("/missing"));
+
+    EXPECT_EQ(outcome.status, 404);
+    EXPECT_EQ(outcome.body, "no such thing");
+    EXPECT_NE(outcome.heads.find("Cache-status: success"), std::string::npos);
+    EXPECT_TRUE(logs.Contains("Failed to access the server, http code = 404"));
+}
+
+TEST_F(HttpLogicTest, GzipBodiesAreDecoded)
+{
+    HttpResponse response = HttpResponse::Text(200, std::string(2000, 'z'));
+    response.gzip = true;
+    server_->Respond("/zip", response);
+
+    EXPECT_EQ(Post(Request({}), Url("/zip")).body, std::string(2000, 'z'));
+}
+
+TEST_F(HttpLogicTest, FollowsOneRedirectButNotTwo)
+{
+    server_->Respond("/one", HttpResponse::Redirect(302, "/two"));
+    server_->Respond("/two", HttpResponse::Redirect(302, "/three"));
+    server_->Respond("/three", HttpResponse::Text(200, "end"));
+
+    EXPECT_EQ(Post(Request({}), Url("/two")).status, 200);
+    EXPECT_EQ(Post(Request({}), Url("/one")).status, -1);
+    EXPECT_EQ(server_->RequestCount("/three"), 1u);
+}
+
+TEST_F(HttpLogicTest, RefusesEverythingButHttps)
+{
+    VornTestbed::LocalHttpsServer plain(VornTestbed::ServerOptions::PlainHttp());
+    ASSERT_TRUE(plain.Start());
+    plain.Respond("/secret", HttpResponse::Text(200, "plain text secret"));
+    server_->Respond("/down", HttpResponse::Redirect(302, plain.BaseUrl() + "/secret"));
+    std::string local = dir_.WriteFile("secret.txt", "file secret");
+
+    Outcome downgrade = Post(Request({}), Url("/down"));
+    Outcome plainUrl = Post(Request({}), plain.BaseUrl() + "/secret");
+    Outcome fileUrl = Post(Request({}), "file://" + local);
+
+    EXPECT_EQ(downgrade.status, -1);
+    EXPECT_EQ(plainUrl.status, -1);
+    EXPECT_EQ(fileUrl.status, -1);
+    EXPECT_EQ(plain.RequestCount(), 0u);
+    for (const Outcome &outcome : {downgrade, plainUrl, fileUrl}) {
+        EXPECT_EQ(outcome.body.find("secret"), std::string::npos);
+    }
+}
+
+TEST_F(HttpLogicTest, RejectsCertificatesFromAnotherCaAndMissingCaFiles)
+{
+    server_->Respond("/x", HttpResponse::Text(200, "x"));
+    auto otherCa = VornTestbed::MakeCertificateFiles(dir_.Path("other"));
+    ASSERT_TRUE(otherCa.has_value());
+
+    auto info = Request({});
+    info.caFile = otherCa->caFile;
+    EXPECT_EQ(Post(info, Url("/x")).status, -1);
+    info.caFile = dir_.Path("missing.pem");
+    EXPECT_EQ(Post(info, Url("/x")).status, -1);
+    EXPECT_EQ(server_->RequestCount(), 0u);
+}
+
+TEST_F(HttpLogicTest, PostWithoutInitFails)
+{
+    HostPlatform::LogCapture logs;
+    HttpLogic logic(Request({}), Url("/x"));
+    EXPECT_EQ(logic.PostHttpsRequest(), -1);
+    EXPECT_TRUE(logs.Contains("HttpLogic::PostHttpsRequest, m_pcurl not init, InitHttpLogic must call first"));
+}
+
+TEST_F(HttpLogicTest, BindsToTheRequestedInterface)
+{
+    server_->Respond("/if", HttpResponse::Text(200, "if"));
+    auto info = Request({});
+    info.interfaceName = "lo";
+    EXPECT_EQ(Post(info, Url("/if")).status, 200);
+    info.interfaceName = "vorn-no-such-if0";
+    EXPECT_EQ(Post(info, Url("/if")).status, -1);
+    EXPECT_EQ(server_->RequestCount("/if"), 1u);
+}
+
+TEST_F(HttpLogicTest, TunnelsThroughTheDefaultProxyUnlessTheHostIsExcluded)
+{
+    server_->Respond("/p", HttpResponse::Text(200, "proxied"));
+    VornTestbed::ConnectProxy proxy;
+    ASSERT_TRUE(proxy.Start());
+    const std::string port = std::to_string(server_->Port());
+    {
+        VornTest::ScopedEnv env("VORN_DEFAULT_HTTP_PROXY", "127.0.0.1:" + std::to_string(proxy.Port()));
+        HostPlatform::LogCapture logs;
+        EXPECT_EQ(Post(Request({}), Url("/p")).status, 200);
+        EXPECT_TRUE(logs.Contains("Set default proxy"));
+    }
+    ASSERT_EQ(proxy.Targets(), std::vector<std::string>{"127.0.0.1:" + port});
+    {
+        VornTest::ScopedEnv env("VORN_DEFAULT_HTTP_PROXY",
+            "127.0.0.1:" + std::to_string(proxy.Port()) + ";example.invalid,127.0.0.1");
+        EXPECT_EQ(Post(Request({}), Url("/p")).status, 200);
+    }
+    EXPECT_EQ(proxy.Targets().size(), 1u);
+    EXPECT_EQ(server_->RequestCount("/p"), 2u);
+}
+
+TEST_F(HttpLogicTest, ABrokenProxySettingMeansADirectConnection)
+{
+    server_->Respond("/direct", HttpResponse::Text(200, "direct"));
+    VornTest::ScopedEnv env("VORN_DEFAULT_HTTP_PROXY", "no-port-here");
+    HostPlatform::LogCapture logs;
+
+    EXPECT_EQ(Post(Request({}), Url("/direct")).status, 200);
+    EXPECT_EQ(logs.CountContaining("GetHttpProxy fail, status: "), 1u);
+}
+
+TEST(HttpLogicHeads, EmptyResponseGivesOnlyTheSyntheticBlock)
+{
+    OHOS::Vorn::VornInitConfigParser::VornRequestInfo info;
+    HttpLogic logic(info, "https://127.0.0.1:1/");
+    std::string heads = logic.GetResponseHeads();
+    EXPECT_TRUE(std::regex_match(heads,
+        std::regex("Rule: \r\nVersion: \r\nService-List: \r\nCache-time: [0-9]+\r\nCache-status: success\r\n\r\n")));
+}
+} // namespace
