@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "c/type_def.h"
 
@@ -22,6 +23,7 @@ enum class TaskState {
     DELAYED,    // held by the timer until due
     QUEUED,     // due, waiting in its queue for a free slot
     DISPATCHED, // due, waiting for a pool worker
+    DROPPING,   // taken out of its queue by a cancel; its function is being destroyed
     RUNNING,
     FINISHED,
     CANCELLED,
@@ -39,11 +41,14 @@ struct RuntimeTask {
 
     bool Settled() const { return state == TaskState::FINISHED || state == TaskState::CANCELLED; }
 
-    static void Release(RuntimeTask *task)
+    // Drops one reference; returns the count before.
+    static uint32_t Release(RuntimeTask *task)
     {
-        if (task->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        uint32_t before = task->refs.fetch_sub(1, std::memory_order_acq_rel);
+        if (before == 1) {
             delete task;
         }
+        return before;
     }
 
     ffrt_function_header_t *function;

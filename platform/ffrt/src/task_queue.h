@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <deque>
 #include <string>
+#include <utility>
 
 #include "c/type_def.h"
 

@@ -1,0 +1,15 @@
+#ifndef HOST_PLATFORM_EVENTHANDLER_HOST_H
+#define HOST_PLATFORM_EVENTHANDLER_HOST_H
+
+// Host-only: lets tests and tools observe the event runners. Never included by the service.
+
+#include <chrono>
+
+namespace HostPlatform {
+// True when no runner of the process has an event pending (delayed ones included) or running.
+bool EventRunnersIdle();
+// Waits until EventRunnersIdle() holds or the timeout passes; returns whether it holds.
+bool EventRunnersWaitIdle(std::chrono::milliseconds timeout);
+} // namespace HostPlatform
+
+#endif // HOST_PLATFORM_EVENTHANDLER_HOST_H

@@ -1,0 +1,338 @@
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <cstring>
+#include <future>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ffrt.h"
+#include "ffrt_host.h"
+
+namespace {
+using namespace std::chrono_literals;
+using HostPlatform::FfrtIsIdle;
+using HostPlatform::FfrtWaitIdle;
+
+constexpr auto SETTLE_TIMEOUT = 30s;
+
+ffrt_function_header_t *QueueFunction(std::function<void()> func)
+{
+    return ffrt::create_function_wrapper(std::move(func), ffrt_function_kind_queue);
+}
+
+// Runs a serial queue's tasks behind one that holds the queue until Open() is called.
+class BlockedQueue {
+public:
+    explicit BlockedQueue(const char *name) : queue_(ffrt_queue_create(ffrt_queue_serial, name, nullptr))
+    {
+        std::shared_future<void> opened = gate_.get_future().share();
+        auto started = std::make_shared<std::promise<void>>();
+        std::future<void> running = started->get_future();
+        blocker_ = ffrt_queue_submit_h(queue_, QueueFunction([opened, started] {
+            started->set_value();
+            opened.wait();
+        }), nullptr);
+        running.wait();
+    }
+    ~BlockedQueue()
+    {
+        Open();
+        ffrt_task_handle_destroy(blocker_);
+        ffrt_queue_destroy(queue_);
+    }
+    BlockedQueue(const BlockedQueue &) = delete;
+    BlockedQueue &operator=(const BlockedQueue &) = delete;
+
+    void Open()
+    {
+        if (!opened_) {
+            opened_ = true;
+            gate_.set_value();
+        }
+    }
+    ffrt_queue_t Get() const { return queue_; }
+    ffrt_task_handle_t Blocker() const { return blocker_; }
+
+private:
+    ffrt_queue_t queue_;
+    std::promise<void> gate_;
+    bool opened_ = false;
+    ffrt_task_handle_t blocker_ = nullptr;
+};
+
+TEST(FfrtPoolTest, TasksBlockedOnTheirOwnChildrenAllFinish)
+{
+    constexpr int parents = 200;
+    std::mutex mutex;
+    std::condition_variable allStarted;
+    int started = 0;
+    std::atomic<int> finished {0};
+    for (int i = 0; i < parents; ++i) {
+        ffrt::submit([&] {
+            {
+                // Every parent holds a worker at once before any child exists.
+                std::unique_lock<std::mutex> lock(mutex);
+                if (++started == parents) {
+                    allStarted.notify_all();
+                }
+                allStarted.wait(lock, [&] { return started == parents; });
+            }
+            auto child = std::make_shared<std::promise<int>>();
+            std::future<int> result = child->get_future();
+            ffrt::submit([child] { child->set_value(7); });
+            if (result.get() == 7) {
+                ++finished;
+            }
+        });
+    }
+    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
+    EXPECT_EQ(finished.load(), parents);
+    EXPECT_GT(HostPlatform::FfrtPeakWorkerCount(), static_cast<size_t>(parents));
+    EXPECT_LE(HostPlatform::FfrtPeakWorkerCount(), 512U);
+}
+
+TEST(FfrtPoolTest, WaitReturnsOnlyAfterEveryTaskTheCallerSubmitted)
+{
+    std::atomic<int> done {0};
+    for (int i = 0; i < 20; ++i) {
+        ffrt::submit([&done] { ++done; }, ffrt::task_attr().delay(20 * 1000));
+    }
+    ffrt::wait();
+    EXPECT_EQ(done.load(), 20);
+}
+
+TEST(FfrtPoolTest, HandleOfAPoolTaskCanBeWaitedFor)
+{
+    std::atomic<bool> ran {false};
+    ffrt::task_handle handle = ffrt::submit_h([&ran] { ran = true; }, ffrt::task_attr().delay(10 * 1000));
+    ffrt_queue_wait(handle);
+    EXPECT_TRUE(ran.load());
+    EXPECT_NE(handle.get_id(), 0U);
+}
+
+TEST(FfrtPoolDeathTest, ExceptionEscapingATaskEndsTheProcess)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(
+        {
+            ffrt::submit([] { throw std::runtime_error("escaped from task"); });
+            FfrtWaitIdle(SETTLE_TIMEOUT);
+        },
+        "escaped from task");
+}
+
+TEST(FfrtQueueTest, SerialQueueRunsOneTaskAtATimeInSubmissionOrder)
+{
+    ffrt_queue_t queue = ffrt_queue_create(ffrt_queue_serial, "order", nullptr);
+    std::vector<int> order;
+    std::atomic<int> inFlight {0};
+    std::atomic<int> maxInFlight {0};
+    ffrt_task_handle_t last = nullptr;
+    for (int i = 0; i < 100; ++i) {
+        ffrt_task_handle_destroy(last);
+        last = ffrt_queue_submit_h(queue, QueueFunction([&, i] {
+            int now = ++inFlight;
+            maxInFlight = std::max(maxInFlight.load(), now);
+            order.push_back(i);
+            std::this_thread::yield();
+            --inFlight;
+        }), nullptr);
+        ASSERT_NE(last, nullptr);
+    }
+    ffrt_queue_wait(last);
+    ffrt_task_handle_destroy(last);
+    ffrt_queue_destroy(queue);
+    ASSERT_EQ(order.size(), 100U);
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(order[i], i);
+    }
+    EXPECT_EQ(maxInFlight.load(), 1);
+}
+
+TEST(FfrtQueueTest, SubmitHeadGoesBeforeWaitingTasks)
+{
+    BlockedQueue queue("head");
+    std::vector<char> order;
+    ffrt_queue_submit(queue.Get(), QueueFunction([&order] { order.push_back('a'); }), nullptr);
+    ffrt_queue_submit(queue.Get(), QueueFunction([&order] { order.push_back('b'); }), nullptr);
+    ffrt_queue_submit_head(queue.Get(), QueueFunction([&order] { order.push_back('h'); }), nullptr);
+    queue.Open();
+    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
+    EXPECT_EQ(order, (std::vector<char> {'h', 'a', 'b'}));
+}
+
+TEST(FfrtQueueTest, CancelRemovesOnlyTasksNotYetStarted)
+{
+    BlockedQueue queue("cancel");
+    std::atomic<bool> ranA {false};
+    std::atomic<bool> ranB {false};
+    auto token = std::make_shared<int>(0);
+    std::weak_ptr<int> capturedByA = token;
+    ffrt_task_handle_t a = ffrt_queue_submit_h(queue.Get(), QueueFunction([&ranA, token] { ranA = true; }), nullptr);
+    token.reset();
+    ffrt_task_handle_t b = ffrt_queue_submit_h(queue.Get(), QueueFunction([&ranB] { ranB = true; }), nullptr);
+    EXPECT_EQ(ffrt_queue_get_task_cnt(queue.Get()), 2U);
+
+    EXPECT_EQ(ffrt_queue_cancel(a), 0);
+    EXPECT_TRUE(capturedByA.expired()) << "a cancelled task's function is destroyed at once";
+    EXPECT_EQ(ffrt_queue_get_task_cnt(queue.Get()), 1U);
+    EXPECT_NE(ffrt_queue_cancel(a), 0);
+    EXPECT_NE(ffrt_queue_cancel(queue.Blocker()), 0) << "a running task cannot be cancelled";
+
+    queue.Open();
+    ffrt_queue_wait(b);
+    ffrt_queue_wait(a);
+    EXPECT_TRUE(ranB.load());
+    EXPECT_FALSE(ranA.load());
+    EXPECT_NE(ffrt_queue_cancel(b), 0);
+    EXPECT_LT(ffrt_task_handle_get_id(a), ffrt_task_handle_get_id(b));
+
+    // The runtime has let go of settled tasks: the handle holds the only reference.
+    EXPECT_EQ(ffrt_task_handle_inc_ref(b), 1U);
+    EXPECT_EQ(ffrt_task_handle_dec_ref(b), 2U);
+    ffrt_task_handle_destroy(a);
+    ffrt_task_handle_destroy(b);
+}
+
+TEST(FfrtQueueTest, DestroyDropsWaitingTasksAndWaitsForTheRunningOne)
+{
+    ffrt_queue_t queue = ffrt_queue_create(ffrt_queue_serial, "destroy", nullptr);
+    std::promise<void> started;
+    std::atomic<bool> finished {false};
+    std::atomic<bool> ranPending {false};
+    auto token = std::make_shared<int>(0);
+    std::weak_ptr<int> capturedByPending = token;
+    ffrt_queue_submit(queue, QueueFunction([&] {
+        started.set_value();
+        std::this_thread::sleep_for(200ms);
+        finished = true;
+    }), nullptr);
+    ffrt_queue_submit(queue, QueueFunction([&ranPending, token] { ranPending = true; }), nullptr);
+    token.reset();
+    started.get_future().wait();
+
+    ffrt_queue_destroy(queue);
+    EXPECT_TRUE(finished.load());
+    EXPECT_FALSE(ranPending.load());
+    EXPECT_TRUE(capturedByPending.expired());
+    EXPECT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
+}
+
+TEST(FfrtQueueTest, DestroyFromTheQueuesOwnTaskReturns)
+{
+    ffrt_queue_t queue = ffrt_queue_create(ffrt_queue_serial, "self-destroy", nullptr);
+    std::promise<void> gate;
+    std::shared_future<void> opened = gate.get_future().share();
+    std::atomic<bool> destroyed {false};
+    std::atomic<bool> ranPending {false};
+    ffrt_queue_submit(queue, QueueFunction([&, opened] {
+        opened.wait();
+        ffrt_queue_destroy(queue);
+        destroyed = true;
+    }), nullptr);
+    ffrt_queue_submit(queue, QueueFunction([&ranPending] { ranPending = true; }), nullptr);
+    gate.set_value();
+    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
+    EXPECT_TRUE(destroyed.load());
+    EXPECT_FALSE(ranPending.load());
+}
+
+TEST(FfrtQueueTest, ConcurrentQueueHonoursItsConcurrencyLimit)
+{
+    ffrt_queue_attr_t attr;
+    ffrt_queue_attr_init(&attr);
+    ffrt_queue_attr_set_max_concurrency(&attr, 2);
+    ffrt_queue_t queue = ffrt_queue_create(ffrt_queue_concurrent, "wide", &attr);
+    ffrt_queue_attr_destroy(&attr);
+    std::atomic<int> inFlight {0};
+    std::atomic<int> maxInFlight {0};
+    for (int i = 0; i < 20; ++i) {
+        ffrt_queue_submit(queue, QueueFunction([&] {
+            int now = ++inFlight;
+            maxInFlight = std::max(maxInFlight.load(), now);
+            std::this_thread::sleep_for(2ms);
+            --inFlight;
+        }), nullptr);
+    }
+    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
+    ffrt_queue_destroy(queue);
+    EXPECT_GE(maxInFlight.load(), 1);
+    EXPECT_LE(maxInFlight.load(), 2);
+}
+
+TEST(FfrtHostTest, IdleOnlyWhenNothingIsQueuedRunningOrDelayed)
+{
+    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
+    EXPECT_TRUE(FfrtIsIdle());
+    {
+        BlockedQueue queue("idle");
+        EXPECT_FALSE(FfrtIsIdle());
+        EXPECT_FALSE(FfrtWaitIdle(20ms));
+    }
+    EXPECT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
+
+    ffrt_queue_t queue = ffrt_queue_create(ffrt_queue_serial, "idle-delayed", nullptr);
+    ffrt_task_attr_t attr;
+    ffrt_task_attr_init(&attr);
+    // What a negative delay in milliseconds turns into: due in the far future, never at once.
+    ffrt_task_attr_set_delay(&attr, UINT64_MAX);
+    ffrt_task_handle_t delayed = ffrt_queue_submit_h(queue, QueueFunction([] {}), &attr);
+    ffrt_task_attr_destroy(&attr);
+    EXPECT_FALSE(FfrtIsIdle());
+    EXPECT_EQ(ffrt_queue_get_task_cnt(queue), 1U);
+    EXPECT_EQ(ffrt_queue_cancel(delayed), 0);
+    EXPECT_TRUE(FfrtIsIdle());
+    ffrt_task_handle_destroy(delayed);
+    ffrt_queue_destroy(queue);
+}
+
+TEST(FfrtHostTest, BrokenQueueSubmitRefusesAndReleasesTheTask)
+{
+    struct BrokenRuntime {
+        BrokenRuntime() { HostPlatform::FfrtSetQueueSubmitBroken(true); }
+        ~BrokenRuntime() { HostPlatform::FfrtSetQueueSubmitBroken(false); }
+    };
+    ffrt_queue_t queue = ffrt_queue_create(ffrt_queue_serial, "broken", nullptr);
+    std::atomic<int> runs {0};
+    {
+        BrokenRuntime broken;
+        auto token = std::make_shared<int>(0);
+        std::weak_ptr<int> captured = token;
+        ffrt_task_handle_t handle = ffrt_queue_submit_h(queue, QueueFunction([&runs, token] { ++runs; }), nullptr);
+        token.reset();
+        EXPECT_EQ(handle, nullptr);
+        EXPECT_TRUE(captured.expired());
+        EXPECT_TRUE(FfrtIsIdle());
+    }
+    ffrt_task_handle_t handle = ffrt_queue_submit_h(queue, QueueFunction([&runs] { ++runs; }), nullptr);
+    ASSERT_NE(handle, nullptr);
+    ffrt_queue_wait(handle);
+    ffrt_task_handle_destroy(handle);
+    ffrt_queue_destroy(queue);
+    EXPECT_EQ(runs.load(), 1);
+}
+
+TEST(FfrtAttrTest, TaskAttributesKeepWhatWasSet)
+{
+    ffrt_task_attr_t attr;
+    ASSERT_EQ(ffrt_task_attr_init(&attr), 0);
+    EXPECT_EQ(ffrt_task_attr_get_qos(&attr), ffrt_qos_default);
+    ffrt_task_attr_set_name(&attr, "PostTaskInner");
+    ffrt_task_attr_set_name(&attr, "second");
+    ffrt_task_attr_set_delay(&attr, 1000);
+    EXPECT_STREQ(ffrt_task_attr_get_name(&attr), "second");
+    EXPECT_EQ(ffrt_task_attr_get_delay(&attr), 1000U);
+    std::string longName(300, 'n');
+    ffrt_task_attr_set_name(&attr, longName.c_str());
+    EXPECT_EQ(longName.compare(0, std::strlen(ffrt_task_attr_get_name(&attr)), ffrt_task_attr_get_name(&attr)), 0);
+    ffrt_task_attr_destroy(&attr);
+}
+} // namespace
