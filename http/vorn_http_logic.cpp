@@ -168,21 +168,27 @@ std::string HttpLogic::GetResponseBody() const
 
 std::string HttpLogic::GetResponseHeads() const
 {
-    if (requestInfo_.saType == GNS_SA_TYPE) {
-        return responseHeads_;
+    return BuildResponseHeads(requestInfo_, postBody_, responseHeads_);
+}
+
+std::string HttpLogic::BuildResponseHeads(const VornInitConfigParser::VornRequestInfo &info, const std::string &postBody,
+    const std::string &rawHeads)
+{
+    if (info.saType == GNS_SA_TYPE) {
+        return rawHeads;
     }
     const auto cacheTime = std::chrono::duration_cast<std::chrono::seconds>(
         std::chrono::system_clock::now().time_since_epoch()).count();
     std::string heads;
-    heads.append("Rule: ").append(requestInfo_.queryHeaders).append(LINE_SEPARATOR);
-    heads.append("Version: ").append(requestInfo_.appVersion).append(LINE_SEPARATOR);
-    heads.append("Service-List: ").append(postBody_).append(LINE_SEPARATOR);
+    heads.append("Rule: ").append(info.queryHeaders).append(LINE_SEPARATOR);
+    heads.append("Version: ").append(info.appVersion).append(LINE_SEPARATOR);
+    heads.append("Service-List: ").append(postBody).append(LINE_SEPARATOR);
     heads.append("Cache-time: ").append(std::to_string(cacheTime)).append(LINE_SEPARATOR);
     heads.append("Cache-status: success").append(LINE_SEPARATOR);
 
     // After redirects libcurl has collected one block per response; only the final one counts.
-    std::vector<std::string> blocks = StringUtils::SplitAllByString(responseHeads_, HEAD_BLOCK_SEPARATOR);
-    const std::string &lastBlock = blocks.empty() ? responseHeads_ : blocks.back();
+    std::vector<std::string> blocks = StringUtils::SplitAllByString(rawHeads, HEAD_BLOCK_SEPARATOR);
+    const std::string &lastBlock = blocks.empty() ? rawHeads : blocks.back();
     const std::string cacheControlKey = StringUtils::ToLowerCase(CACHE_CONTROL);
     for (const std::string &line : StringUtils::SplitAllByString(lastBlock, LINE_SEPARATOR)) {
         if (StringUtils::ToLowerCase(line).find(cacheControlKey) == std::string::npos) {

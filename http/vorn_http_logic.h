@@ -30,6 +30,9 @@ public:
     static size_t OnWriteData(const char *data, size_t size, size_t nmemb, std::string *out);
 
     std::string GetResponseHeads() const;
+    // The heads clients receive for a transfer that collected `rawHeads` after posting `postBody`.
+    static std::string BuildResponseHeads(const VornInitConfigParser::VornRequestInfo &info,
+        const std::string &postBody, const std::string &rawHeads);
     std::string GetResponseBody() const;
 
     static void GetHttpProxyInfo(std::string &host, int &port, std::string &exclusions);
