@@ -5,12 +5,11 @@
 #include <cstdint>
 
 #include "system_ability.h"
+#include "vorn_sa_id.h"
 #include "vorn_sa_stub.h"
 
 namespace OHOS {
 namespace Vorn {
-constexpr int32_t VORN_SA_ID = 66054;
-
 // The system ability: one object that the platform's service host starts and stops, and that
 // clients reach as the service's remote object.
 class VornSA : public SystemAbility, public VornSAStub {

@@ -119,6 +119,8 @@ int32_t VornSAStub::PostVornRequest(const std::string &paramStr, const sptr<IVor
             (void)SendNetworkRequest(info, callback);
         } catch (const std::exception &e) {
             VORN_LOGE("VornSAStub::SendNetworkRequest exception: %{public}s", e.what());
+        } catch (...) {
+            VORN_LOGE("VornSAStub::SendNetworkRequest unknown exception");
         }
     }, BINDER_TASK_NAME, 0);
     VORN_LOGI("VornSAStub::PostVornRequest out");

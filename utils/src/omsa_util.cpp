@@ -14,6 +14,7 @@
 #include "ipc_skeleton.h"
 #include "omsa_client_lite_api.h"
 #include "vorn_log.h"
+#include "vorn_sa_id.h"
 
 namespace OHOS {
 namespace Vorn {
@@ -27,7 +28,6 @@ constexpr const char *OMSA_CONFIG_PATH = "system/etc/tarnix/vorn_depot/omsa_conf
 constexpr const char *COLLECT_URL_KEY = "collect_url";
 constexpr const char *PACKAGE_NAME = "com.velmor.zul.networksdk";
 constexpr const char *KIT_UID_KEY = "kitUid";
-constexpr int32_t VORN_SA_ID = 66054;
 
 const std::string SERVICE_TAG = "vorn_service";
 std::atomic<bool> g_inited{false};

@@ -1,0 +1,186 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "eventhandler_host.h"
+#include "hilog_host.h"
+#include "ipc_host.h"
+#include "log_lines.h"
+#include "omsa_log.h"
+#include "omsa_util.h"
+#include "scoped_env.h"
+#include "temp_dir.h"
+
+using namespace OHOS::Vorn;
+using namespace std::chrono_literals;
+using HostPlatform::LogCapture;
+using VornTest::ScopedEnv;
+using VornTest::ServiceLines;
+
+namespace {
+const std::string CONFIG_PATH = "system/etc/tarnix/vorn_depot/omsa_config.json";
+const std::string COLLECT_URL = "https://collector.test/v1/events";
+
+// A device root made the working directory while it lives (the configuration path is relative).
+class DeviceRoot {
+public:
+    DeviceRoot() : previous_(open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+    {
+        EXPECT_EQ(chdir(dir_.Path().c_str()), 0);
+    }
+    ~DeviceRoot()
+    {
+        EXPECT_EQ(fchdir(previous_), 0);
+        close(previous_);
+    }
+    DeviceRoot(const DeviceRoot &) = delete;
+    DeviceRoot &operator=(const DeviceRoot &) = delete;
+
+    void WriteConfig(const std::string &content) const
+    {
+        dir_.WriteFile(CONFIG_PATH, content);
+    }
+
+private:
+    VornTestbed::TempDir dir_;
+    int previous_;
+};
+
+// Thread ids of the process's event runners; the report executor owns the only one here.
+std::vector<std::string> RunnerThreads()
+{
+    std::vector<std::string> ids;
+    for (const auto &task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::ifstream comm(task.path() / "comm");
+        std::string name;
+        if (std::getline(comm, name) && name.rfind("EventRunner#", 0) == 0) {
+            ids.push_back(task.path().filename().string());
+        }
+    }
+    return ids;
+}
+
+// The runner names its thread once it runs, which may be a moment after it was made.
+std::vector<std::string> WaitForRunnerThread()
+{
+    for (int i = 0; i < 100 && RunnerThreads().empty(); i++) {
+        std::this_thread::sleep_for(10ms);
+    }
+    return RunnerThreads();
+}
+
+TEST(OmsaCollectUrlTest, TakesTheUrlFromTheConfigurationFile)
+{
+    DeviceRoot root;
+    root.WriteConfig(R"({"collect_url":")" + COLLECT_URL + R"(","other":[1,2]})");
+    LogCapture logs;
+    EXPECT_EQ(OMSAUtil::GetCollectUrl(), COLLECT_URL);
+    EXPECT_TRUE(logs.Records().empty());
+}
+
+TEST(OmsaCollectUrlTest, AnythingElseGivesAnEmptyUrl)
+{
+    struct Case {
+        std::optional<std::string> content; // nullopt: no file at all
+        std::string error;                  // empty: nothing logged
+    };
+    const std::vector<Case> cases = {
+        {std::nullopt, "OMSAUtil read the omsa configure failed"},
+        {"", "OMSAUtil read the omsa configure failed"},
+        {"collect_url=https://x", "OMSAUtil parse the omsa configure file failed."},
+        {R"({"collect_url":"https://x"} // no comments)", "OMSAUtil parse the omsa configure file failed."},
+        {R"({"collect_url":42})", "OMSAUtil, Parse omsa config json catch exception"},
+        {R"({"collect_url":null})", "OMSAUtil, Parse omsa config json catch exception"},
+        {"[]", ""},
+        {R"(["collect_url"])", ""},
+        {R"("https://x")", ""},
+        {R"({"collectUrl":"https://x"})", ""},
+    };
+    for (const Case &c : cases) {
+        DeviceRoot root;
+        if (c.content) {
+            root.WriteConfig(*c.content);
+        }
+        LogCapture logs;
+        EXPECT_EQ(OMSAUtil::GetCollectUrl(), "") << c.content.value_or("<missing>");
+        EXPECT_EQ(VornTest::CountLevel(logs, LOG_ERROR, "VornService"), c.error.empty() ? 0u : 1u)
+            << c.content.value_or("<missing>");
+        if (!c.error.empty()) {
+            EXPECT_EQ(ServiceLines(logs, LOG_ERROR, c.error), 1u) << c.content.value_or("<missing>");
+        }
+    }
+}
+
+// The analytics state lives for the whole process and is never reset, so its life is walked in
+// one test: refused set-ups, the set-up that succeeds, and reporting afterwards.
+TEST(OmsaSetUpTest, RetriedPerEventUntilAcceptedThenReportsInOrder)
+{
+    DeviceRoot root;
+    VornTest::OmsaLog omsa;
+    HostPlatform::ScopedCallerIdentity app(HostPlatform::SystemAppCaller(20010042));
+    LogCapture logs;
+    ASSERT_TRUE(RunnerThreads().empty());
+    {
+        ScopedEnv refuse("VORN_OMSA_RESULT", "7");
+        OMSAUtil::OnOmsaEvent("refused.1", R"({"k":"v"})");
+        // Every retry reads the configuration again.
+        root.WriteConfig(R"({"collect_url":")" + COLLECT_URL + R"("})");
+        OMSAUtil::OnOmsaEvent("refused.2", R"({"k":"v"})");
+        EXPECT_EQ(OMSAUtil::Init(), 7);
+    }
+    EXPECT_EQ(ServiceLines(logs, LOG_WARN, "OMSAUtil::OnOmsaEvent, not inited."), 2u);
+    EXPECT_EQ(ServiceLines(logs, LOG_WARN, "OmsaClientLiteApi::SetConfigOptions failed, ret: 7"), 3u);
+    EXPECT_EQ(logs.CountContaining("kvCount:"), 0u);
+    // The executor made by the first attempt outlives the failures and serves every later event.
+    const std::vector<std::string> runner = WaitForRunnerThread();
+    EXPECT_EQ(runner.size(), 1u);
+
+    const int events = 20;
+    for (int i = 0; i < events; i++) {
+        OMSAUtil::OnOmsaEvent("ordered." + std::to_string(i), R"({"n":")" + std::to_string(i) + R"("})");
+    }
+    EXPECT_EQ(OMSAUtil::Init(), 0);
+    EXPECT_EQ(ServiceLines(logs, LOG_INFO, "OmsaClientLiteApi::SetConfigOptions success"), 1u);
+    EXPECT_EQ(ServiceLines(logs, LOG_INFO, "OmsaUtil Init already inited."), 1u);
+
+    const auto setups = omsa.Calls("SetConfigOptions");
+    ASSERT_EQ(setups.size(), 4u);
+    for (size_t i = 0; i < setups.size(); i++) {
+        EXPECT_EQ(setups[i]["tag"], "vorn_service");
+        EXPECT_EQ(setups[i]["package"], "com.velmor.zul.networksdk");
+        EXPECT_EQ(setups[i]["saId"], 66054);
+        // A missing file does not hold the set-up back: it goes out with an empty URL.
+        EXPECT_EQ(setups[i]["collectUrl"], i == 0 ? "" : COLLECT_URL) << i;
+    }
+
+    ASSERT_TRUE(HostPlatform::EventRunnersWaitIdle(5s));
+    const auto reports = omsa.Calls("OnEvent");
+    ASSERT_EQ(reports.size(), static_cast<size_t>(events));
+    for (int i = 0; i < events; i++) {
+        EXPECT_EQ(reports[i]["eventId"], "ordered." + std::to_string(i));
+        EXPECT_EQ(reports[i]["tag"], "vorn_service");
+        EXPECT_EQ(reports[i]["type"], 1);
+        EXPECT_EQ(reports[i]["data"]["n"], std::to_string(i));
+    }
+    EXPECT_EQ(RunnerThreads(), runner);
+
+    // Once set up, a refusal by the client loses the event but never undoes the set-up.
+    {
+        ScopedEnv refuse("VORN_OMSA_RESULT", "9");
+        OMSAUtil::OnOmsaEvent("lost", "{}");
+        ASSERT_TRUE(HostPlatform::EventRunnersWaitIdle(5s));
+    }
+    EXPECT_EQ(ServiceLines(logs, LOG_WARN, "OMSA report failed"), 1u);
+    EXPECT_EQ(omsa.Calls("SetConfigOptions").size(), 4u);
+    EXPECT_EQ(omsa.Calls("OnEvent").size(), static_cast<size_t>(events + 1));
+}
+} // namespace

@@ -1,0 +1,222 @@
+#include <chrono>
+#include <future>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "eventhandler_host.h"
+#include "ffrt_host.h"
+#include "hilog_host.h"
+#include "https_fixture.h"
+#include "ipc_host.h"
+#include "ipc_types.h"
+#include "log_lines.h"
+#include "message_option.h"
+#include "message_parcel.h"
+#include "omsa_log.h"
+#include "response_recorder.h"
+#include "service_client.h"
+#include "vorn_error_code.h"
+#include "vorn_sa.h"
+
+using namespace OHOS;
+using namespace OHOS::Vorn;
+using namespace std::chrono_literals;
+using HostPlatform::LogCapture;
+using HostPlatform::ScopedCallerIdentity;
+using VornClient::CallResult;
+using VornClient::ResponseRecorder;
+using VornClient::ServiceClient;
+using VornTest::ServiceLines;
+
+namespace {
+constexpr pid_t APP_UID = 20010042;
+constexpr uint32_t UNKNOWN_CODE = 7;
+const std::u16string TOKEN = IVornSAInterface::GetDescriptor();
+
+// The service as a client process reaches it: through a proxy, so that parcels are copied and
+// the caller identity set on this thread travels with each call.
+class StubFixture {
+protected:
+    sptr<VornSA> sa_ = new VornSA(VORN_SA_ID, true);
+    ServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
+    sptr<ResponseRecorder> recorder_ = new ResponseRecorder();
+    LogCapture logs_;
+};
+
+class VornSAStubTest : public testing::Test, protected StubFixture {};
+
+TEST_F(VornSAStubTest, OrdinaryAppsAreRefusedForEveryCodeBeforeTheTokenIsRead)
+{
+    ScopedCallerIdentity app(HostPlatform::AppCaller(APP_UID));
+    const std::u16string badToken = u"not.the.token";
+    const std::vector<CallResult> results = {
+        client_.Request("{}", recorder_, badToken),
+        client_.Event(R"({"eventId":"e"})", badToken),
+        client_.Request("{}", recorder_, badToken, UNKNOWN_CODE),
+    };
+    for (const CallResult &result : results) {
+        EXPECT_EQ(result.result, ILLEGAL_APP_CALLING);
+        EXPECT_EQ(result.reply, ILLEGAL_APP_CALLING);
+    }
+    EXPECT_EQ(ServiceLines(logs_, LOG_WARN, "The caller is not a system application."), 3u);
+    EXPECT_FALSE(logs_.Contains("read descriptor failed."));
+}
+
+TEST_F(VornSAStubTest, NativeServicesAndSystemAppsGetPastTheCallerCheck)
+{
+    for (const auto &identity : {HostPlatform::NativeCaller(1000), HostPlatform::SystemAppCaller(APP_UID)}) {
+        ScopedCallerIdentity caller(identity);
+        // A lone brace is turned down by the event decoder, which leaves the reply empty.
+        CallResult result = client_.Event("{");
+        EXPECT_EQ(result.result, ERR_PARCEL_READ_PARAM);
+        EXPECT_FALSE(result.reply.has_value());
+    }
+    EXPECT_EQ(ServiceLines(logs_, LOG_ERROR, "VornSAStub::VornOmsaEvent json accept failed"), 2u);
+    EXPECT_FALSE(logs_.Contains("The caller is not a system application."));
+}
+
+TEST_F(VornSAStubTest, WrongOrMissingTokenGetsThreeAndAnEmptyReply)
+{
+    for (const std::u16string &token : {std::u16string(u"ohos.vorn.IVornSAInterfacf"),
+             std::u16string(u"ohos.vorn.IVornSAInterfac"), std::u16string(u"ohos.vorn.IVornSAInterface."),
+             std::u16string(u"OHOS.Vorn.IVornSAInterface"), std::u16string()}) {
+        CallResult request = client_.Request(R"({"saType":"gns"})", recorder_, token);
+        CallResult event = client_.Event(R"({"eventId":"e"})", token);
+        EXPECT_EQ(request.result, ERR_READ_DESCRIPTOR);
+        EXPECT_EQ(event.result, ERR_READ_DESCRIPTOR);
+        EXPECT_FALSE(request.reply.has_value());
+        EXPECT_FALSE(event.reply.has_value());
+    }
+    MessageParcel nothing;
+    MessageParcel reply;
+    MessageOption option;
+    EXPECT_EQ(HostPlatform::MakeRemoteProxy(sa_)->SendRequest(1, nothing, reply, option), ERR_READ_DESCRIPTOR);
+    EXPECT_EQ(reply.GetDataSize(), 0u);
+    EXPECT_EQ(ServiceLines(logs_, LOG_ERROR, "read descriptor failed."), 11u);
+    EXPECT_FALSE(logs_.Contains("VornSAStub::PostVornRequest in"));
+}
+
+TEST_F(VornSAStubTest, BadRequestParametersAnswerFourAndPostNothing)
+{
+    struct Case {
+        std::string paramStr;
+        bool withCallback;
+        std::string error;
+    };
+    const std::vector<Case> cases = {
+        {"{}", false, "remoteObject is null"},
+        {"", false, "remoteObject is null"}, // the callback is read and tested before the text
+        {"", true, "paramStr is null"},
+        {R"({"baseUrls":)", true, "VornSAStub::PostVornRequest json accept failed"},
+        {R"(/* no comments */ {})", true, "VornSAStub::PostVornRequest json accept failed"},
+        {R"({"baseUrls":"x"})", true, "VornSAStub::PostVornRequest json parse failed"},
+        {R"({"caFile":null})", true, "VornSAStub::PostVornRequest json parse failed"},
+    };
+    for (const Case &c : cases) {
+        logs_.Clear();
+        CallResult result = client_.Request(c.paramStr, c.withCallback ? recorder_ : nullptr);
+        EXPECT_EQ(result.result, ERR_PARCEL_READ_PARAM) << c.paramStr;
+        EXPECT_EQ(result.reply, ERR_PARCEL_READ_PARAM) << c.paramStr;
+        EXPECT_EQ(ServiceLines(logs_, LOG_ERROR, c.error), 1u) << c.paramStr;
+        EXPECT_EQ(VornTest::CountLevel(logs_, LOG_ERROR, "VornService"), 1u) << c.paramStr;
+        EXPECT_FALSE(logs_.Contains("VornSAStub::PostVornRequest out")) << c.paramStr;
+    }
+    EXPECT_EQ(recorder_->Count(), 0u);
+}
+
+TEST_F(VornSAStubTest, UnknownCodeWithTheRightTokenGetsThePlatformDefault)
+{
+    CallResult result = client_.Request("{}", recorder_, TOKEN, UNKNOWN_CODE);
+    EXPECT_EQ(result.result, IPC_STUB_UNKNOW_TRANS_ERR);
+    EXPECT_FALSE(result.reply.has_value());
+}
+
+TEST_F(VornSAStubTest, RequestWithoutAnyUrlIsAcceptedAndFailsLaterOnTheBinderPool)
+{
+    CallResult result = client_.Request(R"({"saType":"gns"})", recorder_);
+    EXPECT_EQ(result.result, SUCCESS);
+    EXPECT_EQ(result.reply, SUCCESS);
+    EXPECT_EQ(ServiceLines(logs_, LOG_INFO, "VornSAStub::PostVornRequest out"), 1u);
+    ASSERT_TRUE(logs_.WaitFor("VornSAStub:: GetAllServiceUrl failed", 10s));
+    EXPECT_EQ(ServiceLines(logs_, LOG_INFO, "VornSAStub:: GetAllServiceUrl failed"), 1u);
+    EXPECT_FALSE(logs_.Contains("VornSAStub::SendNetworkRequest out"));
+    EXPECT_TRUE(HostPlatform::FfrtWaitIdle(5s));
+}
+
+TEST_F(VornSAStubTest, EventDecodingFailuresAnswerFour)
+{
+    VornTest::OmsaLog omsa;
+    struct Case {
+        std::string paramStr;
+        std::string error;
+        bool replyWritten;
+    };
+    const std::vector<Case> cases = {
+        {"", "paramStr is null", true},
+        {"{", "VornSAStub::VornOmsaEvent json accept failed", false},
+        {R"({"eventId":7})", "VornSAStub::VornOmsaEvent json parse failed", false},
+        {R"({"eventId":"e","content":{"k":"v"}})", "VornSAStub::VornOmsaEvent json parse failed", false},
+    };
+    for (const Case &c : cases) {
+        logs_.Clear();
+        CallResult result = client_.Event(c.paramStr);
+        EXPECT_EQ(result.result, ERR_PARCEL_READ_PARAM) << c.paramStr;
+        EXPECT_EQ(result.reply.has_value(), c.replyWritten) << c.paramStr;
+        EXPECT_EQ(ServiceLines(logs_, LOG_ERROR, c.error), 1u) << c.paramStr;
+    }
+    EXPECT_TRUE(HostPlatform::EventRunnersWaitIdle(5s));
+    EXPECT_TRUE(omsa.Calls("OnEvent").empty());
+}
+
+TEST_F(VornSAStubTest, EventWithOnlyAnIdIsReportedWithTheCallerUid)
+{
+    VornTest::OmsaLog omsa;
+    VornTest::ScopedEnv accept("VORN_OMSA_RESULT", std::nullopt);
+    VornTest::ScopedEnv hidePrivate("VORN_HILOG_PRIVATE", std::nullopt);
+    {
+        ScopedCallerIdentity app(HostPlatform::SystemAppCaller(APP_UID));
+        CallResult result = client_.Event(R"({"eventId":"evt.open"})");
+        EXPECT_EQ(result.result, SUCCESS);
+        EXPECT_EQ(result.reply, SUCCESS);
+    }
+    EXPECT_EQ(ServiceLines(logs_, LOG_INFO, "VornOmsaEvent eventId:evt.open, content:<private>"), 1u);
+    ASSERT_TRUE(HostPlatform::EventRunnersWaitIdle(5s));
+    const auto events = omsa.Calls("OnEvent");
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_EQ(events[0]["eventId"], "evt.open");
+    EXPECT_EQ(events[0]["data"], nlohmann::json({{"kitUid", std::to_string(APP_UID)}}));
+}
+
+// A request whose server holds its answer: the IPC call must not wait for it.
+class VornSAStubNetworkTest : public VornTest::HttpsFixture, protected StubFixture {};
+
+TEST_F(VornSAStubNetworkTest, WellFormedRequestIsAnsweredBeforeAnyResponse)
+{
+    std::promise<void> release;
+    std::shared_future<void> released = release.get_future().share();
+    server_->Handle("/slow", [released](const VornTestbed::HttpRequest &) {
+        released.wait_for(5s);
+        return VornTestbed::HttpResponse::Text(200, "late answer");
+    });
+    const nlohmann::json request = {{"baseUrls", {Url("/slow")}}, {"caFile", files_.caFile},
+        {"requestBody", {"alpha"}}};
+
+    CallResult result = client_.Request(request.dump(), recorder_);
+    EXPECT_EQ(result.result, SUCCESS);
+    EXPECT_EQ(result.reply, SUCCESS);
+    EXPECT_EQ(recorder_->Count(), 0u);
+
+    // The request goes on after the reply, and the client hears of it through the callback.
+    EXPECT_TRUE(server_->WaitForRequests(1, 5s));
+    release.set_value();
+    ASSERT_TRUE(recorder_->WaitForCount(1, 10s));
+    const nlohmann::json response = nlohmann::json::parse(recorder_->Responses()[0]);
+    EXPECT_EQ(response["code"], 200);
+    EXPECT_EQ(response["body"], "late answer");
+    EXPECT_TRUE(logs_.WaitFor("VornSAStub::SendNetworkRequest out", 10s));
+    EXPECT_TRUE(HostPlatform::FfrtWaitIdle(5s));
+}
+} // namespace
