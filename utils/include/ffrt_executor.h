@@ -39,7 +39,8 @@ private:
     using TaskHandleHolder = std::shared_ptr<void>;
     using TaskHandleMap = SafeMap<std::string, TaskHandleHolder>;
 
-    bool Submit(std::function<void()> task, const std::string &taskName, long delayMs);
+    // Not named Submit: that would hide AsyncTaskExecutor::Submit from holders of an FFRTExecutor.
+    bool Enqueue(std::function<void()> task, const std::string &taskName, bool delayed, long delayMs);
     std::function<void()> MakeClosure(const std::function<void()> &task, const std::string &taskName) const;
     static void RunAndForget(const std::function<void()> &task, const std::string &taskName, TaskHandleMap &handles);
 

@@ -121,17 +121,16 @@ void FFRTExecutor::PostTaskDelay(std::function<void()> task, const std::string &
 
 bool FFRTExecutor::PostTaskInner(std::function<void()> task, const std::string &taskName)
 {
-    return Submit(std::move(task), taskName, 0);
+    return Enqueue(std::move(task), taskName, false, 0);
 }
 
 bool FFRTExecutor::PostDelayTaskInner(std::function<void()> task, const std::string &taskName, long delayMs)
 {
-    return Submit(std::move(task), taskName, delayMs);
+    return Enqueue(std::move(task), taskName, true, delayMs);
 }
 
-bool FFRTExecutor::Submit(std::function<void()> task, const std::string &taskName, long delayMs)
+bool FFRTExecutor::Enqueue(std::function<void()> task, const std::string &taskName, bool delayed, long delayMs)
 {
-    const bool delayed = delayMs != 0;
     TaskAttr attr(delayed ? "PostDelayTaskInner" : "PostTaskInner", taskName);
     if (delayed) {
         ffrt_task_attr_set_delay(attr.Get(), static_cast<uint64_t>(delayMs * MICROSECONDS_PER_MILLISECOND));
@@ -145,12 +144,24 @@ bool FFRTExecutor::Submit(std::function<void()> task, const std::string &taskNam
     }
 
     VORN_COMMON_LOGI("[EVENT_HANDLER]submit, taskName:%{public}s", taskName.c_str());
-    ffrt_task_handle_t handle =
-        ffrt_queue_submit_h(queue_.get(), WrapFunction(MakeClosure(task, taskName), ffrt_function_kind_queue),
-            attr.Get());
-    if (handle != nullptr) {
-        taskHandles_->EnsureInsert(taskName, TaskHandleHolder(handle, ffrt_task_handle_destroy));
+    // Submitting under the map's lock keeps a task that finishes at once from erasing its entry
+    // before the entry exists, which would leave a stale handle behind.
+    bool submitted = false;
+    bool slotWasEmpty = false;
+    taskHandles_->ChangeValueByLambda(taskName, [&](TaskHandleHolder &slot) {
+        slotWasEmpty = slot == nullptr;
+        ffrt_task_handle_t handle = ffrt_queue_submit_h(queue_.get(),
+            WrapFunction(MakeClosure(task, taskName), ffrt_function_kind_queue), attr.Get());
+        submitted = handle != nullptr;
+        if (submitted) {
+            slot = TaskHandleHolder(handle, ffrt_task_handle_destroy);
+        }
+    });
+    if (submitted) {
         return true;
+    }
+    if (slotWasEmpty) {
+        taskHandles_->Erase(taskName);
     }
     if (delayed) {
         VORN_COMMON_LOGE("FFRT is broken! Abort PostDelayTask.");
@@ -159,7 +170,7 @@ bool FFRTExecutor::Submit(std::function<void()> task, const std::string &taskNam
     VORN_COMMON_LOGE("FFRT is broken! Use std::thread.");
     // The thread is left joinable on purpose: a runtime that cannot queue work is beyond repair,
     // and leaving scope with a joinable thread ends the process.
-    std::thread fallback([handles = taskHandles_, task, taskName]() { RunAndForget(task, taskName, *handles); });
+    std::thread fallback(MakeClosure(task, taskName));
     return true;
 }
 

@@ -1,0 +1,118 @@
+#include <algorithm>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "hilog_host.h"
+#include "ipc_host.h"
+#include "ipc_types.h"
+#include "iremote_stub.h"
+#include "response_recorder.h"
+#include "vorn_request_callback_proxy.h"
+
+using namespace OHOS;
+using namespace OHOS::Vorn;
+
+namespace {
+struct Transaction {
+    uint32_t code;
+    int flags;
+    int waitTime;
+    std::u16string token;
+    std::string response;
+    size_t unreadBytes;
+};
+
+// A client's callback object that records the raw transactions it receives.
+class TransactionRecorder : public IRemoteStub<IVornRequestCallback> {
+public:
+    int OnRemoteRequest(uint32_t code, MessageParcel &data, MessageParcel &, MessageOption &option) override
+    {
+        std::u16string token = data.ReadInterfaceToken();
+        std::string response = data.ReadString();
+        transactions.push_back({code, option.GetFlags(), option.GetWaitTime(), token, response,
+            data.GetReadableBytes()});
+        return ERR_NONE;
+    }
+    void OnResponse(const std::string &) override {}
+
+    std::vector<Transaction> transactions;
+};
+
+sptr<IVornRequestCallback> CallbackFor(const sptr<IRemoteObject> &stub)
+{
+    return iface_cast<IVornRequestCallback>(HostPlatform::MakeRemoteProxy(stub));
+}
+} // namespace
+
+TEST(VornRequestCallbackProxyTest, SendsTheResponseAsOneSynchronousTransaction)
+{
+    sptr<TransactionRecorder> recorder = new TransactionRecorder();
+    sptr<IVornRequestCallback> callback = CallbackFor(recorder);
+    ASSERT_NE(dynamic_cast<VornRequestCallbackProxy *>(callback.GetRefPtr()), nullptr);
+
+    HostPlatform::LogCapture capture;
+    callback->OnResponse(R"({"code":200})");
+    callback->OnResponse("");
+    ASSERT_EQ(recorder->transactions.size(), 2U);
+    for (const Transaction &sent : recorder->transactions) {
+        EXPECT_EQ(sent.code, 0U);
+        EXPECT_EQ(sent.flags, 0);
+        EXPECT_EQ(sent.waitTime, 8);
+        EXPECT_EQ(sent.token, u"OHOS.Vorn.IVornRequestCallback");
+        EXPECT_EQ(sent.unreadBytes, 0U);
+    }
+    EXPECT_EQ(recorder->transactions[0].response, R"({"code":200})");
+    EXPECT_EQ(recorder->transactions[1].response, "");
+
+    const auto records = capture.Records();
+    ASSERT_EQ(records.size(), 2U);
+    EXPECT_EQ(records[0].text, "VornRequestCallbackProxy::OnResponse SendRequest");
+    EXPECT_EQ(records[0].level, LOG_INFO);
+    EXPECT_EQ(records[0].tag, "VornService");
+}
+
+TEST(VornRequestCallbackProxyTest, DeadCallbackIsOnlyLogged)
+{
+    sptr<TransactionRecorder> recorder = new TransactionRecorder();
+    sptr<IVornRequestCallback> callback = CallbackFor(recorder);
+    ASSERT_NE(callback, nullptr);
+    HostPlatform::MarkObjectDead(recorder);
+
+    HostPlatform::LogCapture capture;
+    EXPECT_NO_THROW(callback->OnResponse("lost"));
+    EXPECT_TRUE(recorder->transactions.empty());
+    const auto records = capture.Records();
+    ASSERT_EQ(records.size(), 2U);
+    EXPECT_EQ(records[1].text, "VornRequestCallbackProxy::OnResponse SendRequest is failed, error code: 32");
+    EXPECT_EQ(records[1].level, LOG_ERROR);
+    EXPECT_EQ(records[1].tag, "VornService");
+}
+
+TEST(VornRequestCallbackProxyTest, ConcurrentResponsesAllArrive)
+{
+    sptr<VornClient::ResponseRecorder> recorder = new VornClient::ResponseRecorder();
+    sptr<IVornRequestCallback> callback = CallbackFor(recorder);
+    ASSERT_NE(callback, nullptr);
+    std::vector<std::string> expected;
+    std::vector<std::thread> senders;
+    for (int t = 0; t < 8; ++t) {
+        for (int i = 0; i < 25; ++i) {
+            expected.push_back(std::to_string(t) + ":" + std::to_string(i));
+        }
+        senders.emplace_back([callback, t] {
+            for (int i = 0; i < 25; ++i) {
+                callback->OnResponse(std::to_string(t) + ":" + std::to_string(i));
+            }
+        });
+    }
+    for (std::thread &sender : senders) {
+        sender.join();
+    }
+    std::vector<std::string> arrived = recorder->Responses();
+    std::sort(arrived.begin(), arrived.end());
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(arrived, expected);
+}
