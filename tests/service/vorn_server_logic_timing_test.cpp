@@ -1,0 +1,169 @@
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "ffrt_host.h"
+#include "hilog_host.h"
+#include "https_fixture.h"
+#include "ipc_host.h"
+#include "log_lines.h"
+#include "iremote_broker.h"
+#include "response_recorder.h"
+#include "time_utils.h"
+#include "vorn_server_logic.h"
+
+// Real-clock behaviour of the request engine: the one-second race between URLs, the 9000 ms
+// budget and the 10 s wait for the request job. Bounds are loose for a busy build machine.
+namespace {
+using namespace std::chrono_literals;
+using OHOS::sptr;
+using OHOS::Vorn::IVornRequestCallback;
+using OHOS::Vorn::VornServerLogic;
+using VornTestbed::HttpResponse;
+using Json = nlohmann::json;
+using Clock = std::chrono::steady_clock;
+
+uint64_t NowMs()
+{
+    return static_cast<uint64_t>(OHOS::Vorn::TimeUtils::GetTimeMills());
+}
+
+long long MsSince(Clock::time_point start)
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
+}
+
+class ServerLogicTimingTest : public VornTest::HttpsFixture {
+protected:
+    void SetUp() override
+    {
+        HttpsFixture::SetUp();
+        recorder_ = new VornClient::ResponseRecorder();
+        callback_ = OHOS::iface_cast<IVornRequestCallback>(HostPlatform::MakeRemoteProxy(recorder_->AsObject()));
+        ASSERT_NE(callback_, nullptr);
+        HttpResponse stall = HttpResponse::Text(200, "late");
+        stall.stall = VornTestbed::Stall::BeforeHead;
+        for (const char *path : {"/stall1", "/stall2", "/stall3"}) {
+            server_->Respond(path, stall);
+        }
+        server_->Respond("/ok", HttpResponse::Text(200, "fast"));
+    }
+
+    void TearDown() override
+    {
+        // Ends the stalls, so the abandoned attempts finish before the next test.
+        server_->Stop();
+        EXPECT_TRUE(HostPlatform::FfrtWaitIdle(20s));
+    }
+
+    size_t Lines(LogLevel level, const std::string &text) const
+    {
+        return VornTest::ServiceLines(logs_, level, text);
+    }
+
+    // Index of the first log line equal to `text`, or the number of lines.
+    size_t LinePosition(const std::string &text) const
+    {
+        auto records = logs_.Records();
+        auto it = std::find_if(records.begin(), records.end(), [&](const auto &r) { return r.text == text; });
+        return static_cast<size_t>(it - records.begin());
+    }
+
+    sptr<VornClient::ResponseRecorder> recorder_;
+    sptr<IVornRequestCallback> callback_;
+    HostPlatform::LogCapture logs_;
+};
+
+TEST_F(ServerLogicTimingTest, StalledUrlIsOvertakenByTheNextAfterOneSecond)
+{
+    auto start = Clock::now();
+    ASSERT_EQ(std::make_shared<VornServerLogic>(Request({Url("/stall1"), Url("/ok"), Url("/stall2")}))
+                  ->GetAllServiceUrl(callback_), 0);
+    const long long elapsed = MsSince(start);
+
+    EXPECT_GE(elapsed, 950);
+    EXPECT_LT(elapsed, 2500);
+    EXPECT_LT(LinePosition("SubmitRequestTask:: next"), LinePosition("SubmitRequestTask::success"));
+    EXPECT_EQ(Lines(LOG_INFO, "SubmitRequestTask:: next"), 1u);
+    EXPECT_EQ(server_->RequestCount("/stall2"), 0u);
+    server_->Stop();
+    ASSERT_TRUE(HostPlatform::FfrtWaitIdle(20s));
+    // The overtaken attempt failed when the server went away, but it was not the last URL.
+    ASSERT_EQ(recorder_->Count(), 1u);
+    EXPECT_EQ(Json::parse(recorder_->Responses().front())["body"], "fast");
+}
+
+TEST_F(ServerLogicTimingTest, LateFirstUrlStillAnswersAfterTheRequestReturned)
+{
+    HttpResponse slow = HttpResponse::Text(200, "slow");
+    slow.delay = 2500ms;
+    server_->Respond("/slow", slow);
+    auto start = Clock::now();
+
+    ASSERT_EQ(std::make_shared<VornServerLogic>(Request({Url("/slow"), Url("/ok")}))->GetAllServiceUrl(callback_), 0);
+
+    EXPECT_LT(MsSince(start), 2400);
+    ASSERT_EQ(recorder_->Count(), 1u);
+    ASSERT_TRUE(recorder_->WaitForCount(2, 15s));
+    EXPECT_GE(MsSince(start), 2400);
+    Json late = Json::parse(recorder_->Responses().back());
+    EXPECT_EQ(late["body"], "slow");
+    EXPECT_EQ(late["code"], 200);
+    EXPECT_GE(late["statistics"]["req_total_time"].get<uint64_t>(), 2400u);
+    ASSERT_TRUE(HostPlatform::FfrtWaitIdle(20s));
+    EXPECT_EQ(recorder_->Count(), 2u);
+}
+
+TEST_F(ServerLogicTimingTest, BudgetStopsTheWalkBeforeTheLastUrl)
+{
+    // 7.5 s already spent: the first two URLs start (at 7.5 s and 8.5 s), the third would at 9.5 s.
+    const uint64_t requestStart = NowMs() - 7500;
+    auto info = Request({Url("/stall1"), Url("/stall2"), Url("/stall3")});
+
+    EXPECT_EQ(VornServerLogic::SubmitRequestTask(info, callback_, requestStart), -1);
+
+    EXPECT_EQ(Lines(LOG_INFO, "SubmitRequestTask:: next"), 2u);
+    EXPECT_EQ(Lines(LOG_WARN, "SubmitRequestTask:: time to return:" + std::to_string(requestStart)), 1u);
+    EXPECT_TRUE(server_->WaitForRequests(2, 5s));
+    EXPECT_EQ(server_->RequestCount("/stall3"), 0u);
+    server_->Stop();
+    ASSERT_TRUE(HostPlatform::FfrtWaitIdle(20s));
+    EXPECT_EQ(recorder_->Count(), 0u);
+}
+
+TEST_F(ServerLogicTimingTest, ExpiredOrFutureStartTimeReturnsBeforeAnyAttempt)
+{
+    auto info = Request({Url("/ok")});
+    // A start time ahead of the clock (stepped back since) counts as expired as well.
+    for (uint64_t requestStart : {NowMs() - 9500, NowMs() + 60000}) {
+        EXPECT_EQ(VornServerLogic::SubmitRequestTask(info, callback_, requestStart), -1);
+        EXPECT_EQ(Lines(LOG_WARN, "SubmitRequestTask:: time to return:" + std::to_string(requestStart)), 1u);
+    }
+    ASSERT_TRUE(HostPlatform::FfrtWaitIdle(5s));
+    EXPECT_EQ(server_->RequestCount(), 0u);
+    EXPECT_EQ(recorder_->Count(), 0u);
+}
+
+TEST_F(ServerLogicTimingTest, RequestJobIsAwaitedForTenSecondsOnly)
+{
+    auto start = Clock::now();
+    EXPECT_EQ(std::make_shared<VornServerLogic>(Request({Url("/stall1"), Url("/stall2"), Url("/stall3")}))
+                  ->GetAllServiceUrl(callback_), -1);
+    const long long elapsed = MsSince(start);
+
+    EXPECT_GE(elapsed, 9950);
+    EXPECT_LT(elapsed, 11500);
+    EXPECT_EQ(Lines(LOG_WARN, "VornServerLogic::GetAllServiceUrl futrue wait timeout"), 1u);
+    EXPECT_EQ(recorder_->Count(), 0u);
+    // The job runs on: once the server goes, the last URL's attempt still reports its failure.
+    server_->Stop();
+    ASSERT_TRUE(recorder_->WaitForCount(1, 15s));
+    EXPECT_EQ(Json::parse(recorder_->Responses().front())["message"], "PostHttpsRequest failed");
+}
+} // namespace
