@@ -1,0 +1,166 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "omsa_log.h"
+#include "vornctl_fixture.h"
+
+namespace VornTest {
+namespace {
+using Lines = std::vector<std::string>;
+
+class VornctlTest : public VornctlFixture {};
+
+TEST_F(VornctlTest, SuccessResponseIsPrintedAsReceivedAndExitsZero)
+{
+    server_->Respond("/ok", VornTestbed::HttpResponse::Text(200, "hello"));
+    for (const char *caller : {"native", "system-app"}) {
+        ProcessResult run = Vornctl({"request", "--caller", caller, RequestFor({Url("/ok")})});
+        EXPECT_EQ(run.exitCode, 0) << caller << "\n" << run.err;
+        std::vector<nlohmann::json> responses = Responses(run);
+        ASSERT_EQ(responses.size(), 1U) << run.out;
+        EXPECT_EQ(responses[0]["code"], 200);
+        EXPECT_EQ(responses[0]["body"], "hello");
+        EXPECT_EQ(Outcome(run), (Lines {"reply: 0", "result: 0"}));
+        // The service's own log goes to standard error, ahead of the outcome.
+        EXPECT_NE(run.err.find("VornSAStub::OnRemoteRequest enter"), std::string::npos);
+    }
+}
+
+TEST_F(VornctlTest, FailureResponseOfTheOnlyUrlExitsOne)
+{
+    server_->Respond("/broken", VornTestbed::HttpResponse::Text(500, "down"));
+    ProcessResult run = Vornctl({"request", RequestFor({Url("/broken")})});
+    EXPECT_EQ(run.exitCode, 1) << run.err;
+    std::vector<nlohmann::json> responses = Responses(run);
+    ASSERT_EQ(responses.size(), 1U) << run.out;
+    EXPECT_EQ(responses[0]["code"], 500);
+    EXPECT_EQ(responses[0]["message"], "PostHttpsRequest failed");
+}
+
+TEST_F(VornctlTest, RequestWithoutAnyResponseExitsTwo)
+{
+    ProcessResult run = Vornctl({"request", "--wait-ms", "5000", R"({"saType":"gns"})"});
+    EXPECT_EQ(run.exitCode, 2) << run.err;
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(Outcome(run), (Lines {"reply: 0", "result: 0"}));
+}
+
+TEST_F(VornctlTest, RefusedTransactionsExitThreeWithTheirReply)
+{
+    struct Case {
+        std::vector<std::string> options;
+        Lines outcome;
+    };
+    const std::vector<Case> cases {
+        {{"--caller", "app"}, {"reply: 2", "result: 2"}},
+        {{"--descriptor", "wrong"}, {"reply: none", "result: 3"}},
+        {{"--no-callback"}, {"reply: 4", "result: 4"}},
+    };
+    server_->Respond("/ok", VornTestbed::HttpResponse::Text(200, "hello"));
+    for (const Case &testCase : cases) {
+        std::vector<std::string> args {"request"};
+        args.insert(args.end(), testCase.options.begin(), testCase.options.end());
+        args.push_back(RequestFor({Url("/ok")}));
+        ProcessResult run = Vornctl(args);
+        EXPECT_EQ(run.exitCode, 3) << testCase.options[0] << "\n" << run.err;
+        EXPECT_EQ(run.out, "") << testCase.options[0];
+        EXPECT_EQ(Outcome(run), testCase.outcome) << testCase.options[0];
+    }
+    EXPECT_EQ(server_->RequestCount(), 0U);
+}
+
+TEST_F(VornctlTest, EventReachesTheAnalyticsClientWithTheGivenUid)
+{
+    OmsaLog omsa;
+    ProcessOptions options;
+    options.env = {{"VORN_OMSA_RESULT", std::nullopt}};
+    std::string event = R"({"eventId":"vornctl_test","content":"{\"screen\":\"home\"}"})";
+    ProcessResult run = Vornctl({"event", "--uid", "4321", event}, options);
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(Outcome(run), (Lines {"reply: 0", "result: 0"}));
+
+    std::vector<nlohmann::json> reports = omsa.Calls("OnEvent");
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_EQ(reports[0]["eventId"], "vornctl_test");
+    EXPECT_EQ(reports[0]["data"], (nlohmann::json {{"screen", "home"}, {"kitUid", "4321"}}));
+
+    ProcessResult refused = Vornctl({"event", "--caller", "app", event}, options);
+    EXPECT_EQ(refused.exitCode, 3);
+    EXPECT_EQ(Outcome(refused), (Lines {"reply: 2", "result: 2"}));
+    EXPECT_EQ(omsa.Calls("OnEvent").size(), 1U);
+}
+
+TEST_F(VornctlTest, RequestIsReadFromAFileOrStandardInput)
+{
+    server_->Respond("/ok", VornTestbed::HttpResponse::Text(200, "hello"));
+    std::string file = dir_.WriteFile("request.json", RequestFor({Url("/ok")}));
+    ProcessResult fromFile = Vornctl({"request", "@" + file});
+    EXPECT_EQ(fromFile.exitCode, 0) << fromFile.err;
+    EXPECT_EQ(Responses(fromFile).size(), 1U);
+
+    ProcessOptions options;
+    options.input = RequestFor({Url("/ok")});
+    ProcessResult fromInput = Vornctl({"request", "-"}, options);
+    EXPECT_EQ(fromInput.exitCode, 0) << fromInput.err;
+    EXPECT_EQ(Responses(fromInput).size(), 1U);
+    EXPECT_EQ(server_->RequestCount("/ok"), 2U);
+}
+
+TEST_F(VornctlTest, RootHoldsTheServerConfigurationThatRoutesTheRequest)
+{
+    nlohmann::json config = {{"qel_server", {
+        {"qel_base_url", {Url("/routing")}},
+        {"qel_query_endpoint", "/query"},
+    }}};
+    dir_.WriteFile("root/system/etc/tarnix/vorn_depot/qel_sdk_server_config.json", config.dump());
+    server_->Respond("/routing/query", VornTestbed::HttpResponse::Text(200, "routed"));
+    std::string request = nlohmann::json {{"caFile", files_.caFile}}.dump();
+
+    ProcessResult run = Vornctl({"request", "--root", dir_.Path("root"), request});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    std::vector<nlohmann::json> responses = Responses(run);
+    ASSERT_EQ(responses.size(), 1U);
+    EXPECT_EQ(responses[0]["body"], "routed");
+}
+
+TEST_F(VornctlTest, UsageErrorsExitSixtyFourWithOneLine)
+{
+    const std::vector<std::vector<std::string>> cases {
+        {},
+        {"ping"},
+        {"request"},
+        {"request", "{}", "{}"},
+        {"request", "--bogus", "{}"},
+        {"request", "--caller", "root", "{}"},
+        {"request", "--uid", "-1", "{}"},
+        {"request", "--wait-ms"},
+        {"event", "--all", "{}"},
+        {"event", "--no-callback", "{}"},
+        {"request", "@" + dir_.Path("missing.json")},
+        {"request", "--root", dir_.Path("missing"), "{}"},
+        {"demo", "now"},
+    };
+    for (const std::vector<std::string> &args : cases) {
+        ProcessResult run = Vornctl(args);
+        std::string shown = args.empty() ? "(none)" : args[0] + " " + (args.size() > 1 ? args[1] : "");
+        EXPECT_EQ(run.exitCode, 64) << shown;
+        EXPECT_EQ(run.out, "") << shown;
+        Lines lines = SplitLines(run.err);
+        ASSERT_EQ(lines.size(), 1U) << shown << "\n" << run.err;
+        EXPECT_EQ(lines[0].rfind("vornctl: ", 0), 0U) << lines[0];
+    }
+}
+
+TEST_F(VornctlTest, MissingServiceLibraryIsReported)
+{
+    ProcessResult run = Vornctl({"request", "--library", dir_.Path("libnothing.z.so"), "{}"});
+    EXPECT_EQ(run.exitCode, 69);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(SplitLines(run.err).size(), 1U) << run.err;
+}
+} // namespace
+} // namespace VornTest

@@ -1,0 +1,269 @@
+#include "demo_command.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <system_error>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "demo_stage.h"
+#include "exit_status.h"
+#include "ffrt_host.h"
+#include "i_vorn_sa_interface.h"
+#include "response_recorder.h"
+#include "service_session.h"
+
+namespace Vornctl {
+namespace {
+using Clock = std::chrono::steady_clock;
+
+constexpr size_t EXPECTED_RESPONSES = 2;
+constexpr std::chrono::seconds RESPONSE_WAIT {8};
+constexpr std::chrono::seconds SETTLE_WAIT {3};
+constexpr int SUCCESS_CODE = 200;
+constexpr char INDENT[] = "            ";
+
+// libcurl would honour these too; the demo talks to 127.0.0.1 only.
+constexpr const char *PROXY_VARIABLES[] = {"VORN_DEFAULT_HTTP_PROXY", "http_proxy", "https_proxy", "HTTP_PROXY",
+    "HTTPS_PROXY", "all_proxy", "ALL_PROXY"};
+
+struct Arrival {
+    std::string text;
+    Clock::time_point at;
+};
+
+// Filled from the service's pool threads while the demo waits.
+class Arrivals {
+public:
+    void Add(const std::string &text)
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        arrivals_.push_back({text, Clock::now()});
+    }
+    std::vector<Arrival> Get() const
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        return arrivals_;
+    }
+
+private:
+    mutable std::mutex mutex_;
+    std::vector<Arrival> arrivals_;
+};
+
+// The demo's story in the order things happened; `at` orders it.
+struct Moment {
+    Clock::time_point at;
+    std::string line;
+    std::string note;
+};
+
+long long Milliseconds(Clock::time_point from, Clock::time_point to)
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(to - from).count();
+}
+
+nlohmann::json ParseOrNull(const std::string &text)
+{
+    return nlohmann::json::parse(text, nullptr, false);
+}
+
+int64_t CodeOf(const nlohmann::json &response)
+{
+    return response.is_object() && response.contains("code") && response["code"].is_number_integer()
+        ? response["code"].get<int64_t>()
+        : 0;
+}
+
+// The routing endpoint that answered, as its body says ("primary" or "fallback").
+std::string EndpointOf(const nlohmann::json &response)
+{
+    if (!response.is_object() || !response.contains("body") || !response["body"].is_string()) {
+        return {};
+    }
+    nlohmann::json body = ParseOrNull(response["body"].get<std::string>());
+    return body.is_object() && body.contains("endpoint") && body["endpoint"].is_string()
+        ? body["endpoint"].get<std::string>()
+        : std::string();
+}
+
+std::string RequestText(const DemoStage &stage)
+{
+    nlohmann::json request = {
+        {"appVersion", "1.0.0"},
+        {"caFile", stage.CaFile()},
+        {"queryHeaders", "appId=demo"},
+        {"requestHeaders", {"Accept: application/json"}},
+        {"requestBody", {"weather"}},
+    };
+    return request.dump();
+}
+
+void UnsetProxyVariables()
+{
+    for (const char *name : PROXY_VARIABLES) {
+        unsetenv(name);
+    }
+}
+
+void PrintSetUp(const DemoStage &stage, const std::string &libraryPath)
+{
+    std::printf("Vorn demo: one request through the whole service, on 127.0.0.1 only.\n\n");
+    std::printf("Set up in %s (removed at the end):\n", stage.Folder().c_str());
+    std::printf("  a CA and a server certificate made for this run\n");
+    std::printf("  a local HTTPS stand-in of the routing service at %s with two endpoints:\n",
+        stage.ServerUrl().c_str());
+    std::printf("    %-34s stalls for %lld ms, then answers\n", stage.Path(DemoEndpoint::STALLING).c_str(),
+        static_cast<long long>(DemoStage::STALL.count()));
+    std::printf("    %-34s answers at once\n", stage.Path(DemoEndpoint::ANSWERING).c_str());
+    std::printf("  root/system/etc/tarnix/vorn_depot/qel_sdk_server_config.json, naming in this order\n");
+    std::printf("    %s\n    %s\n    with the query endpoint %s\n", stage.BaseUrl(DemoEndpoint::STALLING).c_str(),
+        stage.BaseUrl(DemoEndpoint::ANSWERING).c_str(), DemoStage::QUERY_ENDPOINT);
+    std::printf("  the service library %s, loaded with dlopen; system ability 66054 started\n\n",
+        libraryPath.c_str());
+}
+
+void PrintCall(const std::string &request, const VornClient::CallResult &call)
+{
+    std::printf("The request carries no base URLs, so the service takes them from its server configuration:\n");
+    std::printf("  %s\n", request.c_str());
+    std::printf("The call returned at once with reply %d (result %d): the request was queued, and the\n",
+        call.reply.value_or(-1), call.result);
+    std::printf("answers come later, through the callback.\n\n");
+}
+
+std::vector<Moment> Timeline(const DemoStage &stage, const std::vector<Arrival> &arrivals)
+{
+    std::vector<Moment> moments;
+    std::vector<ServerVisit> visits = stage.Visits();
+    for (size_t i = 0; i < visits.size(); ++i) {
+        Moment moment {visits[i].at, "the service tried " + visits[i].url, {}};
+        bool answeredBefore = std::any_of(arrivals.begin(), arrivals.end(),
+            [&visits, i](const Arrival &arrival) { return arrival.at < visits[i].at; });
+        if (i > 0 && !answeredBefore) {
+            moment.note = "no answer from the " + DemoStage::Name(visits[i - 1].endpoint) + " URL after " +
+                std::to_string(Milliseconds(visits[i - 1].at, visits[i].at)) +
+                " ms, so the service overtook it with the next one";
+        }
+        moments.push_back(moment);
+    }
+    for (size_t i = 0; i < arrivals.size(); ++i) {
+        nlohmann::json response = ParseOrNull(arrivals[i].text);
+        std::string endpoint = EndpointOf(response);
+        Moment moment {arrivals[i].at, "response " + std::to_string(i + 1) + " through the callback: code " +
+            std::to_string(CodeOf(response)) + (endpoint.empty() ? "" : ", from the " + endpoint + " URL"), {}};
+        if (i > 0 && endpoint == DemoStage::Name(DemoEndpoint::STALLING)) {
+            moment.note = "the overtaken attempt was never cancelled: it answered too, late";
+        }
+        moments.push_back(moment);
+    }
+    std::stable_sort(moments.begin(), moments.end(),
+        [](const Moment &left, const Moment &right) { return left.at < right.at; });
+    return moments;
+}
+
+void PrintTimeline(const std::vector<Moment> &moments, Clock::time_point callStart)
+{
+    std::printf("What happened, in milliseconds after the call:\n");
+    for (const Moment &moment : moments) {
+        std::printf("  %6lld ms  %s\n", Milliseconds(callStart, moment.at), moment.line.c_str());
+        if (!moment.note.empty()) {
+            std::printf("%s(%s)\n", INDENT, moment.note.c_str());
+        }
+    }
+    std::printf("\n");
+}
+
+void PrintResponses(const std::vector<Arrival> &arrivals)
+{
+    if (arrivals.empty()) {
+        std::printf("No response arrived.\n\n");
+    }
+    for (size_t i = 0; i < arrivals.size(); ++i) {
+        nlohmann::json response = ParseOrNull(arrivals[i].text);
+        std::string shown = response.is_discarded() ? arrivals[i].text : response.dump(2);
+        std::printf("Response %zu, as the callback received it (pretty-printed):\n%s\n\n", i + 1, shown.c_str());
+    }
+}
+
+bool FallbackAnswered(const std::vector<Arrival> &arrivals)
+{
+    return std::any_of(arrivals.begin(), arrivals.end(), [](const Arrival &arrival) {
+        nlohmann::json response = ParseOrNull(arrival.text);
+        return CodeOf(response) == SUCCESS_CODE && EndpointOf(response) == DemoStage::Name(DemoEndpoint::ANSWERING);
+    });
+}
+
+// Runs the request with the service rooted in the stage; false (reported on standard error)
+// when the service cannot be had.
+bool SendDemoRequest(const DemoStage &stage, const std::string &libraryPath, const std::shared_ptr<Arrivals> &arrivals)
+{
+    std::error_code ignored;
+    std::filesystem::path startFolder = std::filesystem::current_path(ignored);
+    if (chdir(stage.RootFolder().c_str()) != 0) {
+        std::fprintf(stderr, "vornctl demo: cannot enter %s: %s\n", stage.RootFolder().c_str(), std::strerror(errno));
+        return false;
+    }
+    std::string error;
+    std::unique_ptr<ServiceSession> session = ServiceSession::Open(libraryPath, error);
+    if (session == nullptr) {
+        std::fprintf(stderr, "vornctl demo: %s\n", error.c_str());
+        return false;
+    }
+    PrintSetUp(stage, libraryPath);
+    OHOS::sptr<VornClient::ResponseRecorder> recorder =
+        new VornClient::ResponseRecorder([arrivals](const std::string &text) { arrivals->Add(text); });
+    std::string request = RequestText(stage);
+    Clock::time_point callStart = Clock::now();
+    VornClient::CallResult call = session->Request(HostPlatform::NativeCaller(static_cast<pid_t>(getuid())), request,
+        recorder->AsObject(), OHOS::Vorn::IVornSAInterface::GetDescriptor(),
+        static_cast<uint32_t>(OHOS::Vorn::VornInterfaceCode::GET_VORN_CONFIG_FROM_SERVER));
+    PrintCall(request, call);
+    recorder->WaitForCount(EXPECTED_RESPONSES, RESPONSE_WAIT);
+    HostPlatform::FfrtWaitIdle(SETTLE_WAIT);
+    std::filesystem::current_path(startFolder, ignored);
+
+    std::vector<Arrival> received = arrivals->Get();
+    PrintTimeline(Timeline(stage, received), callStart);
+    PrintResponses(received);
+    return true;
+}
+} // namespace
+
+int RunDemo(const std::string &libraryPath)
+{
+    UnsetProxyVariables();
+    std::unique_ptr<DemoStage> stage;
+    std::string error;
+    try {
+        stage = std::make_unique<DemoStage>();
+        if (!stage->SetUp(error)) {
+            std::fprintf(stderr, "vornctl demo: %s\n", error.c_str());
+            return EXIT_UNAVAILABLE;
+        }
+    } catch (const std::exception &exception) {
+        std::fprintf(stderr, "vornctl demo: %s\n", exception.what());
+        return EXIT_UNAVAILABLE;
+    }
+    // The service logs a good deal; the demo tells its own story and keeps that log aside.
+    setenv("VORN_HILOG_FILE", stage->LogFile().c_str(), 1);
+    auto arrivals = std::make_shared<Arrivals>();
+    if (!SendDemoRequest(*stage, libraryPath, arrivals)) {
+        return EXIT_UNAVAILABLE;
+    }
+    std::string folder = stage->Folder();
+    stage.reset();
+    std::printf("Done: stopped the server and removed %s.\n", folder.c_str());
+    return FallbackAnswered(arrivals->Get()) ? EXIT_SUCCESS_RESPONSE : EXIT_FAILURE_RESPONSES;
+}
+} // namespace Vornctl

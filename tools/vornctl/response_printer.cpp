@@ -1,0 +1,24 @@
+#include "response_printer.h"
+
+namespace Vornctl {
+ResponsePrinter::ResponsePrinter(std::FILE *out) : out_(out) {}
+
+void ResponsePrinter::Print(const std::string &response)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (closed_) {
+        return;
+    }
+    std::fwrite(response.data(), 1, response.size(), out_);
+    std::fputc('\n', out_);
+    std::fflush(out_);
+    printed_.push_back(response);
+}
+
+std::vector<std::string> ResponsePrinter::Close()
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    closed_ = true;
+    return printed_;
+}
+} // namespace Vornctl

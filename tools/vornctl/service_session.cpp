@@ -1,0 +1,65 @@
+#include "service_session.h"
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <system_error>
+
+#include "iservice_registry.h"
+#include "local_ability_manager_host.h"
+
+namespace Vornctl {
+namespace {
+constexpr int32_t VORN_SA_ID = 66054;
+constexpr char LIBRARY_NAME[] = "libvorn_service.z.so";
+} // namespace
+
+std::unique_ptr<ServiceSession> ServiceSession::Open(const std::string &libraryPath, std::string &error)
+{
+    // RTLD_GLOBAL as the service host loads it. The handle is never closed: the service's pools
+    // keep running on threads that execute its code until the process ends.
+    if (dlopen(libraryPath.c_str(), RTLD_NOW | RTLD_GLOBAL) == nullptr) {
+        const char *reason = dlerror();
+        error = "cannot load the service library: " + std::string(reason != nullptr ? reason : libraryPath);
+        return nullptr;
+    }
+    if (!HostPlatform::LocalAbilityManager::GetInstance().StartAbility(VORN_SA_ID)) {
+        error = libraryPath + " registered no system ability " + std::to_string(VORN_SA_ID);
+        return nullptr;
+    }
+    OHOS::sptr<OHOS::ISystemAbilityManager> manager =
+        OHOS::SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
+    OHOS::sptr<OHOS::IRemoteObject> service =
+        manager != nullptr ? manager->CheckSystemAbility(VORN_SA_ID) : nullptr;
+    if (service == nullptr) {
+        error = "system ability " + std::to_string(VORN_SA_ID) + " did not publish its remote object";
+        return nullptr;
+    }
+    return std::make_unique<ServiceSession>(std::move(service));
+}
+
+std::string ServiceSession::DefaultLibraryPath()
+{
+    std::error_code ignored;
+    std::filesystem::path executable = std::filesystem::read_symlink("/proc/self/exe", ignored);
+    return (executable.parent_path().parent_path() / LIBRARY_NAME).string();
+}
+
+ServiceSession::ServiceSession(OHOS::sptr<OHOS::IRemoteObject> service) : client_(std::move(service)) {}
+
+VornClient::CallResult ServiceSession::Request(const HostPlatform::CallerIdentity &caller,
+    const std::string &paramStr, const OHOS::sptr<OHOS::IRemoteObject> &callback, const std::u16string &descriptor,
+    uint32_t code) const
+{
+    HostPlatform::ScopedCallerIdentity identity(caller);
+    return client_.Request(paramStr, callback, descriptor, code);
+}
+
+VornClient::CallResult ServiceSession::Event(const HostPlatform::CallerIdentity &caller, const std::string &paramStr,
+    const std::u16string &descriptor, uint32_t code) const
+{
+    HostPlatform::ScopedCallerIdentity identity(caller);
+    return client_.Event(paramStr, descriptor, code);
+}
+} // namespace Vornctl
