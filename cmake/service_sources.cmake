@@ -10,6 +10,9 @@ set(VORN_SERVICE_SOURCES
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/file_utils.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/base_event.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../http/vorn_http_logic.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../http/ca_store_cache.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../http/cached_ca_store.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../http/curl_share.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_request_callback_proxy.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_sa.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_sa_stub.cpp

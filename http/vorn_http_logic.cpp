@@ -2,12 +2,14 @@
 
 #include <chrono>
 #include <cstdint>
+#include <cstdlib>
 #include <list>
 #include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
 
+#include "ca_store_cache.h"
 #include "http_proxy.h"
 #include "net_conn_client.h"
 #include "string_utils.h"
@@ -29,6 +31,18 @@ constexpr const char *HEAD_BLOCK_SEPARATOR = "\r\n\r\n";
 constexpr const char *LINE_SEPARATOR = "\r\n";
 constexpr const char *CACHE_CONTROL = "Cache-Control";
 constexpr const char *HTTPS_SCHEME = "https://";
+
+// libcurl takes a proxy from these variables when none is set on the handle.
+bool EnvironmentNamesHttpsProxy()
+{
+    for (const char *name : {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {
+        const char *value = std::getenv(name);
+        if (value != nullptr && StringUtils::ToLowerCase(value).rfind(HTTPS_SCHEME, 0) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
 } // namespace
 
 std::mutex HttpLogic::globalInitMutex_;
@@ -52,6 +66,7 @@ bool HttpLogic::GlobalInit()
 int HttpLogic::InitHttpLogic()
 {
     curl_.reset(curl_easy_init());
+    caStore_.reset();
     if (curl_ == nullptr) {
         VORN_LOGI("HttpLogic:: curl_easy_init failed");
         return -1;
@@ -112,7 +127,7 @@ long HttpLogic::PostHttpsRequest()
 }
 
 // Options whose failure does not stop the transfer: libcurl keeps its default for them.
-void HttpLogic::SetTransferOptions() const
+void HttpLogic::SetTransferOptions()
 {
     CURL *curl = curl_.get();
     (void)curl_easy_setopt(curl, CURLOPT_POST, 1L);
@@ -130,12 +145,28 @@ void HttpLogic::SetTransferOptions() const
     SetCurlHttpProxy();
     (void)curl_easy_setopt(curl, CURLOPT_SSL_VERIFYPEER, 1L);
     (void)curl_easy_setopt(curl, CURLOPT_SSL_VERIFYHOST, VERIFY_HOST_NAME);
-    (void)curl_easy_setopt(curl, CURLOPT_CAINFO, requestInfo_.caFile.c_str());
+    SetCaOptions();
     if (!requestInfo_.interfaceName.empty()) {
         (void)curl_easy_setopt(curl, CURLOPT_INTERFACE, requestInfo_.interfaceName.c_str());
         VORN_LOGI("HttpLogic::PostHttpsRequest, curl_easy_setopt for CURLOPT_INTERFACE");
     }
     SetupOtherCurlOptions();
+}
+
+// Verifies against the cached store of "caFile" where possible; otherwise libcurl reads the
+// file itself as it always did, and reports a missing or broken one the same way. Not through
+// a TLS proxy: libcurl runs the SSL context callback for the proxy's handshake as well, and
+// the proxy's certificate must still be checked against libcurl's own CA settings.
+void HttpLogic::SetCaOptions()
+{
+    CURL *curl = curl_.get();
+    if (caStore_ == nullptr && CaStoreCache::IsEnabled() && !httpsProxy_ && !EnvironmentNamesHttpsProxy()) {
+        caStore_ = CaStoreCache::GetInstance().Acquire(requestInfo_.caFile);
+    }
+    if (caStore_ != nullptr && caStore_->ApplyTo(curl)) {
+        return;
+    }
+    (void)curl_easy_setopt(curl, CURLOPT_CAINFO, requestInfo_.caFile.c_str());
 }
 
 void HttpLogic::SetupOtherCurlOptions() const
@@ -236,6 +267,7 @@ void HttpLogic::SetCurlHttpProxy() const
     (void)curl_easy_setopt(curl, CURLOPT_HTTPPROXYTUNNEL, 1L);
     const long proxyType = host.find(HTTPS_SCHEME) != std::string::npos ? CURLPROXY_HTTPS : CURLPROXY_HTTP;
     (void)curl_easy_setopt(curl, CURLOPT_PROXYTYPE, proxyType);
+    httpsProxy_ = proxyType == CURLPROXY_HTTPS;
 }
 } // namespace Vorn
 } // namespace OHOS

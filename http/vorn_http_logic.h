@@ -12,6 +12,8 @@
 
 namespace OHOS {
 namespace Vorn {
+class CachedCaStore;
+
 // One HTTPS POST of one attempt: prepare the handle, perform the transfer, then read the
 // status, the response heads (as clients get them) and the body.
 class HttpLogic {
@@ -53,13 +55,19 @@ private:
     };
 
     bool SetRequiredOption(CURLoption option, const void *value, const char *failureLog) const;
-    void SetTransferOptions() const;
+    void SetTransferOptions();
+    void SetCaOptions();
 
     VornInitConfigParser::VornRequestInfo requestInfo_;
     std::string hostName_;
     std::string postBody_;
     std::string responseHeads_;
     std::string responseBody_;
+    // Set when the transfer verifies with a cached store; declared before the handle, which
+    // uses the store's session cache until it is freed.
+    std::shared_ptr<const CachedCaStore> caStore_;
+    // Whether SetCurlHttpProxy chose a proxy reached over TLS.
+    mutable bool httpsProxy_ = false;
     // The header list is declared after the handle so it is freed first, as the handle may
     // still point at it.
     std::unique_ptr<CURL, CurlDeleter> curl_;

@@ -1,0 +1,208 @@
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ca_store_cache.h"
+#include "hilog_host.h"
+#include "https_fixture.h"
+#include "vorn_http_logic.h"
+
+namespace {
+using OHOS::Vorn::CaStoreCache;
+using OHOS::Vorn::HttpLogic;
+using VornTestbed::HttpResponse;
+
+class CaStoreCacheTest : public VornTest::HttpsFixture {
+protected:
+    static void SetUpTestSuite()
+    {
+        ASSERT_TRUE(HttpLogic::GlobalInit());
+    }
+
+    void SetUp() override
+    {
+        VornTest::HttpsFixture::SetUp();
+        server_->Respond("/x", HttpResponse::Text(200, "x"));
+    }
+
+    static long Post(const std::string &caFile, const std::string &url)
+    {
+        auto info = OHOS::Vorn::VornInitConfigParser::VornRequestInfo();
+        info.caFile = caFile;
+        HttpLogic logic(info, url);
+        EXPECT_EQ(logic.InitHttpLogic(), 0);
+        return logic.PostHttpsRequest();
+    }
+
+    static std::string ReadFile(const std::string &path)
+    {
+        std::ifstream in(path);
+        std::ostringstream content;
+        content << in.rdbuf();
+        return content.str();
+    }
+
+    // A CA file of its own for this test, so that its first use is a load.
+    std::string FreshCopyOfCa(const std::string &name) const
+    {
+        return dir_.WriteFile(name, ReadFile(files_.caFile));
+    }
+
+    // The transport's failure line for a transfer with the given cache switch.
+    std::string FailureLog(const std::string &caFile, const std::string &cacheSwitch) const
+    {
+        VornTest::ScopedEnv env("VORN_TRANSPORT_CACHE", cacheSwitch);
+        HostPlatform::LogCapture logs;
+        EXPECT_EQ(Post(caFile, Url("/x")), -1) << caFile;
+        for (const HostPlatform::LogRecord &record : logs.Records()) {
+            if (record.text.rfind("Failed to access the server", 0) == 0) {
+                return record.text;
+            }
+        }
+        return "";
+    }
+
+    static uint64_t Loads()
+    {
+        return CaStoreCache::GetInstance().Loads();
+    }
+};
+
+TEST_F(CaStoreCacheTest, VerifiesThroughOneStorePerFileVersion)
+{
+    const uint64_t before = Loads();
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(Post(files_.caFile, Url("/x")), 200);
+    }
+    EXPECT_EQ(Loads(), before + 1);
+    EXPECT_EQ(CaStoreCache::GetInstance().Acquire(files_.caFile), CaStoreCache::GetInstance().Acquire(files_.caFile));
+    EXPECT_EQ(server_->RequestCount("/x"), 3u);
+}
+
+// The first transfer leaves a resumable TLS session behind; a store that does not trust the
+// server must not get past verification by resuming it.
+TEST_F(CaStoreCacheTest, CertificateFromAnotherCaFailsAlsoAfterATrustedSession)
+{
+    auto other = VornTestbed::MakeCertificateFiles(dir_.Path("other"));
+    ASSERT_TRUE(other.has_value());
+
+    EXPECT_EQ(Post(files_.caFile, Url("/x")), 200);
+    EXPECT_EQ(Post(other->caFile, Url("/x")), -1);
+    EXPECT_EQ(Post(other->caFile, Url("/x")), -1);
+    EXPECT_EQ(server_->RequestCount("/x"), 1u);
+}
+
+TEST_F(CaStoreCacheTest, FollowsAReplacedCaFile)
+{
+    const std::string trusted = FreshCopyOfCa("trust/ca.pem");
+    ASSERT_EQ(Post(trusted, Url("/x")), 200);
+
+    auto newFiles = VornTestbed::MakeCertificateFiles(dir_.Path("new"));
+    ASSERT_TRUE(newFiles.has_value());
+    VornTestbed::LocalHttpsServer newServer(VornTestbed::ServerOptions::Tls(*newFiles));
+    ASSERT_TRUE(newServer.Start());
+    newServer.Respond("/x", HttpResponse::Text(200, "new"));
+    const std::string staged = dir_.WriteFile("trust/ca.pem.new", ReadFile(newFiles->caFile));
+    ASSERT_EQ(std::rename(staged.c_str(), trusted.c_str()), 0);
+
+    const uint64_t before = Loads();
+    EXPECT_EQ(Post(trusted, newServer.BaseUrl() + "/x"), 200);
+    EXPECT_EQ(Post(trusted, Url("/x")), -1);
+    EXPECT_EQ(Loads(), before + 1);
+}
+
+// Files the cache cannot use are left to libcurl, which reports them as it always did.
+TEST_F(CaStoreCacheTest, UnusableCaFilesFailAsWithoutTheCache)
+{
+    const std::vector<std::string> caFiles = {"", dir_.Path("missing.pem"), dir_.WriteFile("junk.pem", "no PEM here"),
+        dir_.Path("pki")};
+    const size_t sizeBefore = CaStoreCache::GetInstance().Size();
+    const uint64_t loadsBefore = Loads();
+    for (const std::string &caFile : caFiles) {
+        const std::string withCache = FailureLog(caFile, "1");
+        EXPECT_NE(withCache, "") << caFile;
+        EXPECT_EQ(withCache, FailureLog(caFile, "0")) << caFile;
+    }
+    EXPECT_EQ(CaStoreCache::GetInstance().Size(), sizeBefore);
+    EXPECT_EQ(Loads(), loadsBefore);
+    EXPECT_EQ(server_->RequestCount(), 0u);
+}
+
+TEST_F(CaStoreCacheTest, KeepsEightStoresAndDropsTheLeastRecentlyUsed)
+{
+    auto ca = VornTestbed::CertificateAuthority::Create();
+    ASSERT_TRUE(ca.has_value());
+    std::vector<std::string> paths;
+    for (int i = 0; i < 9; ++i) {
+        paths.push_back(dir_.Path("ca" + std::to_string(i) + ".pem"));
+        ASSERT_TRUE(ca->WriteCertificate(paths.back()));
+    }
+    CaStoreCache &cache = CaStoreCache::GetInstance();
+    for (int i = 0; i < 8; ++i) {
+        ASSERT_NE(cache.Acquire(paths[i]), nullptr);
+    }
+    ASSERT_NE(cache.Acquire(paths[0]), nullptr);  // now ca1 is the least recently used
+    const uint64_t before = Loads();
+
+    ASSERT_NE(cache.Acquire(paths[8]), nullptr);
+    EXPECT_EQ(cache.Size(), 8u);
+    EXPECT_EQ(Loads(), before + 1);
+    ASSERT_NE(cache.Acquire(paths[0]), nullptr);
+    EXPECT_EQ(Loads(), before + 1);
+    ASSERT_NE(cache.Acquire(paths[1]), nullptr);
+    EXPECT_EQ(Loads(), before + 2);
+}
+
+TEST_F(CaStoreCacheTest, ConcurrentTransfersShareOneStoreAndSessionCache)
+{
+    constexpr int threadCount = 16;
+    constexpr int postsPerThread = 10;
+    const std::string caFile = FreshCopyOfCa("shared.pem");
+    const uint64_t before = Loads();
+    std::vector<int> successes(threadCount, 0);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < threadCount; ++t) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < postsPerThread; ++i) {
+                successes[t] += Post(caFile, Url("/x")) == 200 ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
+    for (int t = 0; t < threadCount; ++t) {
+        EXPECT_EQ(successes[t], postsPerThread) << "thread " << t;
+    }
+    EXPECT_EQ(Loads(), before + 1);
+    EXPECT_EQ(server_->RequestCount("/x"), static_cast<size_t>(threadCount * postsPerThread));
+}
+
+TEST_F(CaStoreCacheTest, BypassedWhenSwitchedOffOrWhenTheProxySpeaksTls)
+{
+    const std::string caFile = FreshCopyOfCa("bypass.pem");
+    const uint64_t before = Loads();
+    {
+        VornTest::ScopedEnv off("VORN_TRANSPORT_CACHE", "0");
+        EXPECT_EQ(Post(caFile, Url("/x")), 200);
+    }
+    {
+        VornTest::ScopedEnv tlsProxy("VORN_DEFAULT_HTTP_PROXY", "https://127.0.0.1:1");
+        EXPECT_EQ(Post(caFile, Url("/x")), -1);
+    }
+    {
+        VornTest::ScopedEnv tlsProxy("https_proxy", "HTTPS://127.0.0.1:1");
+        EXPECT_EQ(Post(caFile, Url("/x")), -1);
+    }
+    EXPECT_EQ(Loads(), before);
+
+    VornTest::ScopedEnv on("VORN_TRANSPORT_CACHE", "1");
+    EXPECT_EQ(Post(caFile, Url("/x")), 200);
+    EXPECT_EQ(Loads(), before + 1);
+}
+} // namespace
