@@ -72,7 +72,9 @@ void VornInitConfigParser::FromJson(const nlohmann::json &jsonObject, VornReques
     if (!jsonObject.contains("proxyParam")) {
         return;
     }
-    const Json proxyParam = jsonObject.at("proxyParam");
+    // A reference, not a copy: copying a JSON value recurses once per level of nesting, and a
+    // client's "proxyParam" may nest deep enough to overflow the stack.
+    const Json &proxyParam = jsonObject.at("proxyParam");
     if (!proxyParam.is_object()) {
         return;
     }
@@ -98,7 +100,7 @@ void VornInitConfigParser::ServerConfigFromJson(const nlohmann::json &jsonObject
     if (!jsonObject.contains("qel_server")) {
         return;
     }
-    const Json server = jsonObject.at("qel_server");
+    const Json &server = jsonObject.at("qel_server");
     if (!server.is_object()) {
         return;
     }

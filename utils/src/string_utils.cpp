@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
-#include <regex>
+#include <string>
 
 namespace OHOS {
 namespace Vorn {
@@ -42,17 +42,22 @@ void StringUtils::Trim(std::string &str)
     str.erase(last == std::string::npos ? 0 : last + 1);
 }
 
+// The search of the ECMAScript pattern (?:https?:\/\/)?([^\/:]*), done by hand. The pattern matches
+// the empty string, so the search always matches at the start: the optional group takes a
+// leading "https://" or "http://" (greedily, and nothing after it can fail), and the capture is
+// the run of characters up to the first "/" or ":". std::regex would give the same result, but
+// libstdc++ recurses once per repeated character, so a client's long URL overflowed the stack.
 std::string StringUtils::GetDomainFromUrl(const std::string &url)
 {
-    if (url.empty()) {
-        return "";
+    size_t start = 0;
+    for (const char *scheme : {"https://", "http://"}) {
+        if (url.rfind(scheme, 0) == 0) {
+            start = std::char_traits<char>::length(scheme);
+            break;
+        }
     }
-    const std::regex pattern(R"((?:https?:\/\/)?([^\/:]*))", std::regex::ECMAScript | std::regex::optimize);
-    std::smatch match;
-    if (!std::regex_search(url, match, pattern) || !match[1].matched) {
-        return "";
-    }
-    return match[1].str();
+    const size_t end = url.find_first_of("/:", start);
+    return url.substr(start, end == std::string::npos ? std::string::npos : end - start);
 }
 
 std::string StringUtils::ToString(const std::vector<std::string> &strings, char separator)

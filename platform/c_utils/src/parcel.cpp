@@ -182,10 +182,13 @@ bool Parcel::WriteBufferAddTerminator(const void *data, size_t size, size_t type
     if (!EnsureWritable(padded)) {
         return false;
     }
+    // An empty buffer on a parcel that never held data has no storage to copy to or pad.
     if (size > 0) {
         std::memcpy(data_ + dataSize_, data, size);
     }
-    std::memset(data_ + dataSize_ + size, 0, padded - size);
+    if (padded > size) {
+        std::memset(data_ + dataSize_ + size, 0, padded - size);
+    }
     dataSize_ += padded;
     return true;
 }
