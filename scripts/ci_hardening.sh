@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# The hardening stage of CI, run after the normal suite:
+#   1. the whole suite under AddressSanitizer + UndefinedBehaviorSanitizer (LeakSanitizer included),
+#   2. the whole suite under ThreadSanitizer, but for the soak test (its thousand requests add
+#      minutes under TSan and no path that the engine tests leave out),
+#   3. every libFuzzer target briefly (a minute in all).
+# Any sanitizer report fails the stage. Suppressions live in tests/sanitizers/*.supp; each entry
+# names a third-party library and says why.
+#
+# Build folders: build-asan, build-tsan and build-fuzz (VORN_ASAN_BUILD_DIR, VORN_TSAN_BUILD_DIR,
+# VORN_FUZZ_BUILD_DIR override them). VORN_FUZZ_SECONDS sets the fuzzing time in all (60).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+root="$PWD"
+
+./scripts/setup.sh
+asan_dir="${VORN_ASAN_BUILD_DIR:-build-asan}"
+tsan_dir="${VORN_TSAN_BUILD_DIR:-build-tsan}"
+fuzz_seconds="${VORN_FUZZ_SECONDS:-60}"
+jobs=2
+launcher=()
+command -v ccache >/dev/null && launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+
+# Tests reach only 127.0.0.1; a proxy from the environment must not redirect them.
+unset http_proxy https_proxy HTTP_PROXY HTTPS_PROXY all_proxy ALL_PROXY no_proxy NO_PROXY
+
+supp="$root/tests/sanitizers"
+asan_checks="detect_leaks=1:detect_stack_use_after_return=1:check_initialization_order=1:strict_init_order=1"
+export ASAN_OPTIONS="$asan_checks:halt_on_error=1:suppressions=$supp/asan.supp"
+export LSAN_OPTIONS="suppressions=$supp/lsan.supp:print_suppressions=0"
+export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1:suppressions=$supp/ubsan.supp"
+export TSAN_OPTIONS="halt_on_error=1:second_deadlock_stack=1:suppressions=$supp/tsan.supp"
+
+timings=()
+start_stage()
+{
+    stage_name="$1"
+    stage_start=$SECONDS
+    echo "ci_hardening: $stage_name"
+}
+end_stage()
+{
+    timings+=("$stage_name $((SECONDS - stage_start))s")
+}
+
+build_sanitized()
+{
+    local dir="$1" sanitizer="$2"
+    cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORN_SANITIZE="$sanitizer" \
+        -DVORN_BUILD_BENCH=OFF "${launcher[@]}" >/dev/null
+    cmake --build "$dir" -j"$jobs" >/dev/null
+}
+
+start_stage "ASan+UBSan build"
+build_sanitized "$asan_dir" address
+end_stage
+start_stage "ASan+UBSan suite"
+ctest --test-dir "$asan_dir" -j"$jobs" --output-on-failure
+end_stage
+
+start_stage "TSan build"
+build_sanitized "$tsan_dir" thread
+end_stage
+start_stage "TSan suite"
+ctest --test-dir "$tsan_dir" -j"$jobs" --output-on-failure -E '^SoakTimingTest\.'
+end_stage
+
+start_stage "fuzzing"
+targets=(fuzz/*_fuzzer.cpp)
+./scripts/run_fuzz.sh "$(( fuzz_seconds / ${#targets[@]} > 0 ? fuzz_seconds / ${#targets[@]} : 1 ))"
+end_stage
+
+echo "ci_hardening: all stages passed in ${SECONDS}s ($(IFS=,; echo "${timings[*]}" | sed 's/,/, /g'))"

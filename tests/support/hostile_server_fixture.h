@@ -1,0 +1,100 @@
+#ifndef VORN_TESTS_SUPPORT_HOSTILE_SERVER_FIXTURE_H
+#define VORN_TESTS_SUPPORT_HOSTILE_SERVER_FIXTURE_H
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "certificate_authority.h"
+#include "ffrt_host.h"
+#include "hilog_host.h"
+#include "https_fixture.h"
+#include "ipc_host.h"
+#include "iremote_broker.h"
+#include "local_https_server.h"
+#include "response_recorder.h"
+#include "vorn_server_logic.h"
+
+namespace VornTest {
+// Requests through the engine against servers that misbehave. The fixture's own server answers
+// "/ok" normally, so that every test can show that the service still serves the next request.
+class HostileServerFixture : public HttpsFixture {
+protected:
+    struct Outcome {
+        int32_t code = 0;                    // what GetAllServiceUrl returned
+        std::vector<std::string> responses;  // what the client received, in order
+    };
+
+    void SetUp() override
+    {
+        HttpsFixture::SetUp();
+        server_->Respond("/ok", VornTestbed::HttpResponse::Text(200, "served"));
+    }
+
+    void TearDown() override
+    {
+        for (auto &server : extraServers_) {
+            server->Stop();
+        }
+        server_->Stop();
+        EXPECT_TRUE(HostPlatform::FfrtWaitIdle(std::chrono::seconds(30)));
+    }
+
+    // Runs one request and returns once the job and every attempt have finished.
+    Outcome Run(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info)
+    {
+        OHOS::sptr<VornClient::ResponseRecorder> recorder = new VornClient::ResponseRecorder();
+        auto callback = OHOS::iface_cast<OHOS::Vorn::IVornRequestCallback>(
+            HostPlatform::MakeRemoteProxy(recorder->AsObject()));
+        Outcome outcome;
+        outcome.code = std::make_shared<OHOS::Vorn::VornServerLogic>(info)->GetAllServiceUrl(callback);
+        EXPECT_TRUE(HostPlatform::FfrtWaitIdle(std::chrono::seconds(30)));
+        outcome.responses = recorder->Responses();
+        return outcome;
+    }
+
+    // The one response of `outcome`, parsed; null when there is not exactly one.
+    static nlohmann::json OnlyResponse(const Outcome &outcome)
+    {
+        EXPECT_EQ(outcome.responses.size(), 1u);
+        return outcome.responses.size() == 1 ? nlohmann::json::parse(outcome.responses.front()) : nlohmann::json();
+    }
+
+    void ExpectNextRequestServed()
+    {
+        const Outcome next = Run(Request({Url("/ok")}));
+        EXPECT_EQ(next.code, 0);
+        const nlohmann::json response = OnlyResponse(next);
+        EXPECT_EQ(response.value("code", 0), 200);
+        EXPECT_EQ(response.value("body", ""), "served");
+    }
+
+    // A further server with its own certificate (from its own CA) and TLS settings. `request`
+    // is pointed at that CA, so that only what the options change can fail.
+    VornTestbed::LocalHttpsServer &StartServer(const VornTestbed::CertificateOptions &certificate,
+        OHOS::Vorn::VornInitConfigParser::VornRequestInfo &request, int maxProtocol = 0)
+    {
+        auto files = VornTestbed::MakeCertificateFiles(dir_.Path("pki" + std::to_string(extraServers_.size())),
+            certificate);
+        EXPECT_TRUE(files.has_value());
+        auto options = VornTestbed::ServerOptions::Tls(*files);
+        options.maxProtocol = maxProtocol;
+        extraServers_.push_back(std::make_unique<VornTestbed::LocalHttpsServer>(options));
+        EXPECT_TRUE(extraServers_.back()->Start());
+        request.caFile = files->caFile;
+        return *extraServers_.back();
+    }
+
+    HostPlatform::LogCapture logs_;
+
+private:
+    std::vector<std::unique_ptr<VornTestbed::LocalHttpsServer>> extraServers_;
+};
+} // namespace VornTest
+
+#endif // VORN_TESTS_SUPPORT_HOSTILE_SERVER_FIXTURE_H
