@@ -12,6 +12,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "hilog/log.h"
@@ -249,6 +250,30 @@ TEST_F(HiLogTest, ConcurrentLoggersNeverInterleaveLines)
         ASSERT_TRUE(std::regex_match(line, match, whole)) << line;
         EXPECT_EQ(match[2].str(), std::string(300, static_cast<char>('a' + std::stoi(match[1].str()))));
     }
+}
+
+// The sink stays open between lines; it must still follow the variable and a removed file.
+TEST_F(HiLogTest, LinesGoToTheFileTheVariableNamesNow)
+{
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "first");
+    std::remove(path_.c_str());
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "after removal");
+    const std::string otherPath = path_ + ".other";
+    {
+        ScopedEnv other("VORN_HILOG_FILE", otherPath);
+        HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "elsewhere");
+    }
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "back");
+
+    std::vector<std::string> lines = FileLines();
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_THAT(lines[0], testing::EndsWith("VornService: after removal"));
+    EXPECT_THAT(lines[1], testing::EndsWith("VornService: back"));
+    std::ifstream other(otherPath);
+    std::string otherLine;
+    ASSERT_TRUE(std::getline(other, otherLine));
+    EXPECT_THAT(otherLine, testing::EndsWith("VornService: elsewhere"));
+    std::remove(otherPath.c_str());
 }
 
 TEST_F(HiLogTest, CapturesSeeOnlyTheirOwnLifetime)

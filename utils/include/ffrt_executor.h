@@ -41,7 +41,7 @@ private:
 
     // Not named Submit: that would hide AsyncTaskExecutor::Submit from holders of an FFRTExecutor.
     bool Enqueue(std::function<void()> task, const std::string &taskName, bool delayed, long delayMs);
-    std::function<void()> MakeClosure(const std::function<void()> &task, const std::string &taskName) const;
+    std::function<void()> MakeClosure(std::function<void()> task, const std::string &taskName) const;
     static void RunAndForget(const std::function<void()> &task, const std::string &taskName, TaskHandleMap &handles);
 
     std::string name_;

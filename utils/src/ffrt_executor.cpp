@@ -138,8 +138,9 @@ bool FFRTExecutor::Enqueue(std::function<void()> task, const std::string &taskNa
 
     if (mode_ != Mode::EVENT_HANDLER || !queue_) {
         VORN_COMMON_LOGI("[NORMAL_SUBMIT]submit, taskName:%{public}s", taskName.c_str());
-        ffrt_submit_base(WrapFunction(MakeClosure(task, taskName), ffrt_function_kind_general), nullptr, nullptr,
-            attr.Get());
+        // Nothing needs the task after this, so it moves on instead of being copied with all it holds.
+        ffrt_submit_base(WrapFunction(MakeClosure(std::move(task), taskName), ffrt_function_kind_general), nullptr,
+            nullptr, attr.Get());
         return true;
     }
 
@@ -174,9 +175,9 @@ bool FFRTExecutor::Enqueue(std::function<void()> task, const std::string &taskNa
     return true;
 }
 
-std::function<void()> FFRTExecutor::MakeClosure(const std::function<void()> &task, const std::string &taskName) const
+std::function<void()> FFRTExecutor::MakeClosure(std::function<void()> task, const std::string &taskName) const
 {
-    return [handles = taskHandles_, task, taskName]() { RunAndForget(task, taskName, *handles); };
+    return [handles = taskHandles_, task = std::move(task), taskName]() { RunAndForget(task, taskName, *handles); };
 }
 
 void FFRTExecutor::RunTask(const std::function<void()> &task, const std::string &taskName)

@@ -1,6 +1,9 @@
 #include "runtime.h"
 
 #include <algorithm>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -13,6 +16,7 @@ namespace {
 constexpr size_t MAX_WORKERS = 512;
 // Workers beyond the base set leave after this long without work.
 constexpr std::chrono::seconds WORKER_IDLE_TIMEOUT {3};
+constexpr std::chrono::milliseconds TRIM_DELAY {500};
 // Longer delays are cut to this, which keeps the due time clear of clock overflow; in practice
 // such a task never runs.
 constexpr uint64_t MAX_DELAY_US = 100ULL * 365 * 24 * 3600 * 1000 * 1000;
@@ -176,10 +180,28 @@ void Runtime::WorkerMain()
         if (Clock::now() >= idleSince + WORKER_IDLE_TIMEOUT) {
             --workers_;
             --idleWorkers_;
+            const bool lastExtraWorker = workers_ == baseWorkers_;
+            lock.unlock();
+            if (lastExtraWorker) {
+                ReturnFreeMemory();
+            }
             return;
         }
         workAvailable_.wait_until(lock, idleSince + WORKER_IDLE_TIMEOUT);
     }
+}
+
+// The pool is back to its base set after a burst. glibc keeps what the burst's workers freed in
+// their allocator arenas for reuse; hand it back to the system, as the device's allocator does
+// on its own, so that the process's memory returns to where it was before the burst.
+void Runtime::ReturnFreeMemory()
+{
+#ifdef __GLIBC__
+    // Workers that left just before this one are still exiting and handing their per-thread
+    // caches back to the allocator; what they free after the trim would stay.
+    std::this_thread::sleep_for(TRIM_DELAY);
+    (void)malloc_trim(0);
+#endif
 }
 
 void Runtime::EnsureTimer()

@@ -67,6 +67,7 @@ private:
     void SpawnWorker();
     void EnsureTimer();
     void WorkerMain();
+    static void ReturnFreeMemory();
     void TimerMain();
     bool Withdraw(RuntimeTask *task);
     void DropWithdrawn(Lock &lock, const std::deque<RuntimeTask *> &tasks);

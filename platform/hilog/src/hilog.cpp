@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <mutex>
 #include <string>
 #include <unistd.h>
@@ -28,21 +29,40 @@ std::atomic<LogCallback> g_callback{nullptr};
 // Serialises writes so that lines of different threads never interleave in the sink.
 std::mutex g_sinkMutex;
 
-class FileDescriptor {
+// The log file, kept open from line to line: opening and closing it for every line cost more
+// than formatting and writing the line. It is opened again when VORN_HILOG_FILE names another
+// file or the file was removed, so every line still lands in the file the variable names now.
+class LogFile {
 public:
-    explicit FileDescriptor(int fd) : fd_(fd) {}
-    ~FileDescriptor()
+    // The descriptor to append to, or -1 when the file cannot be opened. Call under g_sinkMutex.
+    int For(const char *path)
+    {
+        if (fd_ >= 0 && path_ == path && !Removed()) {
+            return fd_;
+        }
+        Close();
+        fd_ = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+        path_ = fd_ >= 0 ? path : "";
+        return fd_;
+    }
+
+private:
+    bool Removed() const
+    {
+        struct stat status {};
+        return fstat(fd_, &status) != 0 || status.st_nlink == 0;
+    }
+
+    void Close()
     {
         if (fd_ >= 0) {
             close(fd_);
+            fd_ = -1;
         }
     }
-    FileDescriptor(const FileDescriptor &) = delete;
-    FileDescriptor &operator=(const FileDescriptor &) = delete;
-    int Get() const { return fd_; }
 
-private:
-    int fd_;
+    int fd_ = -1;
+    std::string path_;
 };
 
 bool DomainAccepted(LogType type, unsigned int domain)
@@ -98,11 +118,10 @@ int WriteToSink(const std::string &data)
     if (path == nullptr || *path == '\0') {
         return WriteAll(STDERR_FILENO, data);
     }
-    FileDescriptor file(open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644));
-    if (file.Get() < 0) {
-        return -1;
-    }
-    return WriteAll(file.Get(), data);
+    // Never destroyed: threads may still log during static destruction.
+    static LogFile *file = new LogFile();
+    int fd = file->For(path);
+    return fd < 0 ? -1 : WriteAll(fd, data);
 }
 
 int HiLogPrintArgs(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt,

@@ -50,17 +50,31 @@ char TypeLetter(LogType type)
 
 LogOrigin CurrentLogOrigin()
 {
+    // A thread keeps its id, so it is asked for once per thread (and again in a forked child).
+    thread_local pid_t cachedPid = 0;
+    thread_local pid_t cachedTid = 0;
     LogOrigin origin{};
     clock_gettime(CLOCK_REALTIME, &origin.time);
     origin.pid = getpid();
-    origin.tid = static_cast<pid_t>(syscall(SYS_gettid));
+    if (cachedPid != origin.pid) {
+        cachedPid = origin.pid;
+        cachedTid = static_cast<pid_t>(syscall(SYS_gettid));
+    }
+    origin.tid = cachedTid;
     return origin;
 }
 
 std::string FormatLogLine(const LogRecord &record, const LogOrigin &origin)
 {
-    tm local{};
-    localtime_r(&origin.time.tv_sec, &local);
+    // localtime_r takes a process-wide lock and works out the zone on every call; the lines a
+    // thread logs within one second share its result.
+    thread_local time_t cachedSecond = -1;
+    thread_local tm cachedLocal{};
+    if (cachedSecond != origin.time.tv_sec) {
+        localtime_r(&origin.time.tv_sec, &cachedLocal);
+        cachedSecond = origin.time.tv_sec;
+    }
+    const tm &local = cachedLocal;
     char prefix[128];
     int length = std::snprintf(prefix, sizeof(prefix), "%02d-%02d %02d:%02d:%02d.%03ld %5d %5d %c %c%05x/",
         local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,

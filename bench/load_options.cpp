@@ -1,0 +1,104 @@
+#include "load_options.h"
+
+#include <cerrno>
+#include <cstdlib>
+
+namespace VornBench {
+namespace {
+bool ParseCount(const std::string &text, size_t &value)
+{
+    if (text.empty() || text[0] == '-') {
+        return false;
+    }
+    char *end = nullptr;
+    errno = 0;
+    unsigned long long parsed = std::strtoull(text.c_str(), &end, 10);
+    if (errno != 0 || *end != '\0' || parsed == 0) {
+        return false;
+    }
+    value = static_cast<size_t>(parsed);
+    return true;
+}
+
+bool ParseSetting(const std::string &text, EnvSetting &setting)
+{
+    size_t equals = text.find('=');
+    if (equals == 0 || equals == std::string::npos) {
+        return false;
+    }
+    setting = {text.substr(0, equals), text.substr(equals + 1)};
+    return true;
+}
+} // namespace
+
+std::optional<LoadOptions> LoadOptions::Parse(int argc, char **argv, std::string &error, bool &help)
+{
+    LoadOptions options;
+    help = false;
+    for (int i = 1; i < argc; ++i) {
+        const std::string option = argv[i];
+        if (option == "-h" || option == "--help") {
+            help = true;
+            return std::nullopt;
+        }
+        if (option == "--json") {
+            options.json = true;
+            continue;
+        }
+        if (i + 1 >= argc) {
+            error = "unknown option or missing value: " + option;
+            return std::nullopt;
+        }
+        const std::string value = argv[++i];
+        bool valid = true;
+        if (option == "-n") {
+            valid = ParseCount(value, options.requests);
+        } else if (option == "-c") {
+            valid = ParseCount(value, options.concurrency);
+        } else if (option == "--repeat") {
+            valid = ParseCount(value, options.repeat);
+        } else if (option == "--ca-bundle") {
+            options.caBundle = value;
+        } else if (option == "--compare-env") {
+            options.compareEnv.emplace_back();
+            valid = ParseSetting(value, options.compareEnv.back());
+        } else if (option == "--run") {
+            options.run = value;
+            valid = value == "service" || value == "bare";
+        } else if (option == "--base-url") {
+            options.baseUrl = value;
+        } else if (option == "--ca-file") {
+            options.caFile = value;
+        } else {
+            error = "unknown option: " + option;
+            return std::nullopt;
+        }
+        if (!valid) {
+            error = "bad value for " + option + ": " + value;
+            return std::nullopt;
+        }
+    }
+    return options;
+}
+
+std::string LoadOptions::Usage()
+{
+    return "usage: vorn_load [-n N] [-c C] [--repeat K] [--json] [--ca-bundle FILE] [--compare-env NAME=VALUE]...\n"
+           "\n"
+           "Starts a local HTTPS server, sends N requests (default 1000) at concurrency C (default 16)\n"
+           "through the whole service, then the same N POSTs through bare libcurl, and prints both\n"
+           "side by side. Each run happens in a fresh child process of its own.\n"
+           "\n"
+           "  -n N                    requests per run\n"
+           "  -c C                    requests in flight at once\n"
+           "  --repeat K              make every run K times, in turns, and report the medians\n"
+           "                          (peaks: the highest; RSS: the run that grew the most)\n"
+           "  --json                  print the figures as one JSON object\n"
+           "  --ca-bundle FILE        append FILE (e.g. /etc/ssl/certs/ca-certificates.crt) to the\n"
+           "                          test CA in the CA file every request names\n"
+           "  --compare-env NAME=VAL  one more service run with NAME=VAL in its environment; the\n"
+           "                          plain service run then has NAME unset (repeatable)\n"
+           "\n"
+           "Exits 1 when any request went unanswered or failed, 2 when the tool could not run.\n";
+}
+} // namespace VornBench

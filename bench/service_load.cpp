@@ -1,0 +1,198 @@
+#include "service_load.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "ffrt_host.h"
+#include "iservice_registry.h"
+#include "local_ability_manager_host.h"
+#include "process_probe.h"
+#include "response_recorder.h"
+#include "service_client.h"
+#include "vorn_sa.h"
+
+namespace VornBench {
+namespace {
+using Clock = std::chrono::steady_clock;
+
+// A request still unanswered this long after its call counts as never answered: the service
+// gives up on a request after 9 s and on its job after 10 s.
+constexpr std::chrono::seconds SILENCE_LIMIT(30);
+constexpr std::chrono::seconds IDLE_LIMIT(60);
+// Workers beyond the runtime's base set leave after 3 s without work.
+constexpr std::chrono::seconds WORKER_TRIM_LIMIT(10);
+constexpr std::chrono::milliseconds SAMPLE_PERIOD(5);
+constexpr std::chrono::milliseconds SETTLE_PAUSE(200);
+constexpr std::chrono::seconds REST_LIMIT(5);
+constexpr std::chrono::seconds MEMORY_RETURN_PAUSE(1);
+
+// Responses are serialised with sorted keys and the body escaped, so an unescaped "code" member
+// is the top-level one; a plain search keeps the clients' work out of the measured CPU time.
+bool IsHttpOk(const std::string &response)
+{
+    return response.find("\"code\":200,") != std::string::npos;
+}
+
+double Milliseconds(Clock::duration duration)
+{
+    return std::chrono::duration<double, std::milli>(duration).count();
+}
+} // namespace
+
+struct ServiceLoad::Call {
+    bool answered = false;
+    bool ok = false;
+    Clock::time_point calledAt {};
+    std::optional<Clock::duration> latency;
+};
+
+struct ServiceLoad::Outcome {
+    std::vector<double> latencyMs;
+    size_t answered = 0;
+    size_t failed = 0;
+    Clock::time_point firstCall {};
+    Clock::time_point lastAnswer {};
+};
+
+OHOS::sptr<OHOS::IRemoteObject> ServiceLoad::StartService(std::string &error)
+{
+    if (!HostPlatform::LocalAbilityManager::GetInstance().StartAbility(OHOS::Vorn::VORN_SA_ID)) {
+        error = "the service library registered no system ability " + std::to_string(OHOS::Vorn::VORN_SA_ID);
+        return nullptr;
+    }
+    OHOS::sptr<OHOS::ISystemAbilityManager> manager =
+        OHOS::SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
+    OHOS::sptr<OHOS::IRemoteObject> service =
+        manager != nullptr ? manager->GetSystemAbility(OHOS::Vorn::VORN_SA_ID) : nullptr;
+    if (service == nullptr) {
+        error = "the service published no remote object";
+    }
+    return service;
+}
+
+ServiceLoad::ServiceLoad(OHOS::sptr<OHOS::IRemoteObject> service, LoadTarget target)
+    : client_(std::move(service)), target_(std::move(target)), requests_(target_.baseUrl, target_.caFile)
+{
+}
+
+RunResult ServiceLoad::Run()
+{
+    const ProcessStatus cold = ProcessStatus::Read();
+    (void)Drive(WarmUpRequests(target_), target_.concurrency);
+    SettleToIdle();
+    const ProcessStatus start = ReadAtRest(REST_LIMIT);
+    PeakSampler sampler(SAMPLE_PERIOD);
+    const double cpuBefore = ProcessCpuMilliseconds();
+    Outcome outcome = Drive(target_.requests, target_.concurrency);
+    const double cpuUsed = ProcessCpuMilliseconds() - cpuBefore;
+    const ProcessStatus peak = sampler.Stop();
+    SettleToIdle();
+    const ProcessStatus idle = ReadAtRest(REST_LIMIT);
+
+    RunResult result;
+    result.name = "service";
+    result.requests = target_.requests;
+    result.concurrency = target_.concurrency;
+    result.answered = outcome.answered;
+    result.failed = outcome.failed;
+    result.seconds = Milliseconds(outcome.lastAnswer - outcome.firstCall) / 1000.0;
+    result.throughput = result.seconds > 0 ? static_cast<double>(outcome.answered) / result.seconds : 0;
+    result.latencyMs = LatencySummary::Of(std::move(outcome.latencyMs));
+    result.cpuMsPerRequest = cpuUsed / static_cast<double>(target_.requests);
+    // The client threads, the main thread and the sampler.
+    result.harnessThreads = std::min(target_.requests, target_.concurrency) + 2;
+    result.threadsStart = start.threads;
+    result.threadsPeak = peak.threads;
+    result.threadsIdle = idle.threads;
+    result.workersPeak = HostPlatform::FfrtPeakWorkerCount();
+    result.rssColdKib = cold.rssKib;
+    result.rssStartKib = start.rssKib;
+    result.rssPeakKib = peak.rssKib;
+    result.hwmKib = idle.hwmKib;
+    result.rssIdleKib = idle.rssKib;
+    return result;
+}
+
+ServiceLoad::Outcome ServiceLoad::Drive(size_t requests, size_t concurrency) const
+{
+    std::atomic<size_t> next {0};
+    std::atomic<bool> givenUp {false};
+    std::mutex mutex;
+    Outcome outcome;
+    outcome.latencyMs.reserve(requests);
+    auto work = [&]() {
+        for (size_t index = next++; index < requests && !givenUp.load(); index = next++) {
+            Call call = CallOnce(index);
+            std::lock_guard<std::mutex> lock(mutex);
+            if (!call.answered) {
+                // The service lost a request: stop sending, so the run ends within SILENCE_LIMIT.
+                givenUp.store(true);
+                continue;
+            }
+            ++outcome.answered;
+            outcome.failed += call.ok ? 0 : 1;
+            if (call.latency) {
+                outcome.latencyMs.push_back(Milliseconds(*call.latency));
+                outcome.lastAnswer = std::max(outcome.lastAnswer, call.calledAt + *call.latency);
+            }
+        }
+    };
+    outcome.firstCall = Clock::now();
+    std::vector<std::thread> clients;
+    for (size_t i = 0; i < std::min(concurrency, requests); ++i) {
+        clients.emplace_back(work);
+    }
+    for (std::thread &client : clients) {
+        client.join();
+    }
+    return outcome;
+}
+
+ServiceLoad::Call ServiceLoad::CallOnce(size_t index) const
+{
+    const std::string request = requests_.For(index);
+    // Written by the callback under the recorder's lock, read after WaitForCount took that lock;
+    // shared, since a request given up on may still be answered later.
+    auto firstAt = std::make_shared<std::optional<Clock::time_point>>();
+    auto recorder = OHOS::sptr<VornClient::ResponseRecorder>::MakeSptr([firstAt](const std::string &) {
+        if (!*firstAt) {
+            *firstAt = Clock::now();
+        }
+    });
+    Call call;
+    call.calledAt = Clock::now();
+    VornClient::CallResult result = client_.Request(request, recorder);
+    if (result.result != 0 || result.reply.value_or(-1) != 0) {
+        call.answered = true;  // refused at once: answered, but not served
+        return call;
+    }
+    if (!recorder->WaitForCount(1, SILENCE_LIMIT)) {
+        return call;
+    }
+    call.answered = true;
+    call.ok = IsHttpOk(recorder->Responses().front());
+    call.latency = **firstAt - call.calledAt;
+    return call;
+}
+
+// Waits until the runtime runs nothing and its extra workers have left, so that memory and
+// thread counts are read from a service at rest.
+void ServiceLoad::SettleToIdle()
+{
+    (void)HostPlatform::FfrtWaitIdle(IDLE_LIMIT);
+    const size_t baseWorkers = std::max<size_t>(2, std::thread::hardware_concurrency());
+    const Clock::time_point deadline = Clock::now() + WORKER_TRIM_LIMIT;
+    while (HostPlatform::FfrtWorkerCount() > baseWorkers && Clock::now() < deadline) {
+        std::this_thread::sleep_for(SETTLE_PAUSE);
+    }
+    // The runtime hands freed memory back to the system shortly after its last extra worker left.
+    std::this_thread::sleep_for(MEMORY_RETURN_PAUSE);
+}
+} // namespace VornBench
