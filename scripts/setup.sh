@@ -8,7 +8,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libssl-dev openssl zlib1g-dev
   clang libclang-rt-14-dev
-  generate-ninja
+  generate-ninja ccache
 )
 
 missing=()
