@@ -14,19 +14,14 @@
 
 #include "bench_request.h"
 #include "process_probe.h"
+#include "vorn_http_logic.h"
 
 namespace VornBench {
 namespace {
 using Clock = std::chrono::steady_clock;
 
-// The transport's settings (http/vorn_http_logic.cpp); keep the two in step.
-constexpr const char *ALLOWED_PROTOCOLS = "https";
-constexpr const char *CIPHER_LIST = "AESGCM:!RSA:!DHE:!MEDIUM:!aNULL:!eNULL:!EXPORT:!DES:!3DES:!MD5:!EXP:!PSK:!RC4:"
-                                    "!SRP:!aECDH:!ADH:!CAMELLIA:!LOW";
-constexpr long MAX_REDIRECTS = 1;
-constexpr long CONNECT_TIMEOUT_SECONDS = 10;
-constexpr long TRANSFER_TIMEOUT_SECONDS = 10;
-constexpr long VERIFY_HOST_NAME = 2;
+// The transport's own settings, so the comparison is with the same transfer.
+using OHOS::Vorn::HttpLogic;
 constexpr long HTTP_OK = 200;
 constexpr std::chrono::milliseconds SAMPLE_PERIOD(5);
 constexpr std::chrono::milliseconds SETTLE_PAUSE(200);
@@ -163,19 +158,19 @@ long BareLoad::Post(size_t index) const
     curl_easy_setopt(handle, CURLOPT_WRITEDATA, &responseBody);
     curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(handle, CURLOPT_HTTPAUTH, CURLAUTH_ANY);
-    curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, ALLOWED_PROTOCOLS);
-    curl_easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, ALLOWED_PROTOCOLS);
+    curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, HttpLogic::ALLOWED_PROTOCOLS);
+    curl_easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, HttpLogic::ALLOWED_PROTOCOLS);
     curl_easy_setopt(handle, CURLOPT_SSL_VERIFYPEER, 1L);
-    curl_easy_setopt(handle, CURLOPT_SSL_VERIFYHOST, VERIFY_HOST_NAME);
+    curl_easy_setopt(handle, CURLOPT_SSL_VERIFYHOST, HttpLogic::VERIFY_HOST_NAME);
     curl_easy_setopt(handle, CURLOPT_CAINFO, target_.caFile.c_str());
     curl_easy_setopt(handle, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-    curl_easy_setopt(handle, CURLOPT_SSL_CIPHER_LIST, CIPHER_LIST);
+    curl_easy_setopt(handle, CURLOPT_SSL_CIPHER_LIST, HttpLogic::CIPHER_LIST);
     curl_easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 1L);
-    curl_easy_setopt(handle, CURLOPT_MAXREDIRS, MAX_REDIRECTS);
+    curl_easy_setopt(handle, CURLOPT_MAXREDIRS, HttpLogic::MAX_REDIRECTS);
     curl_easy_setopt(handle, CURLOPT_AUTOREFERER, 1L);
     curl_easy_setopt(handle, CURLOPT_ACCEPT_ENCODING, "gzip");
-    curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, CONNECT_TIMEOUT_SECONDS);
-    curl_easy_setopt(handle, CURLOPT_TIMEOUT, TRANSFER_TIMEOUT_SECONDS);
+    curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, HttpLogic::CONNECT_TIMEOUT_SECONDS);
+    curl_easy_setopt(handle, CURLOPT_TIMEOUT, HttpLogic::TRANSFER_TIMEOUT_SECONDS);
     if (curl_easy_perform(handle) != CURLE_OK) {
         return 0;
     }

@@ -19,14 +19,7 @@ namespace OHOS {
 namespace Vorn {
 namespace {
 constexpr const char *GNS_SA_TYPE = "gns";
-constexpr const char *ALLOWED_PROTOCOLS = "https";
-constexpr const char *CIPHER_LIST = "AESGCM:!RSA:!DHE:!MEDIUM:!aNULL:!eNULL:!EXPORT:!DES:!3DES:!MD5:!EXP:!PSK:!RC4:"
-                                    "!SRP:!aECDH:!ADH:!CAMELLIA:!LOW";
-constexpr long MAX_REDIRECTS = 1;
-constexpr long CONNECT_TIMEOUT_SECONDS = 10;
-constexpr long TRANSFER_TIMEOUT_SECONDS = 10;
 constexpr long HTTP_OK = 200;
-constexpr long VERIFY_HOST_NAME = 2;
 constexpr const char *HEAD_BLOCK_SEPARATOR = "\r\n\r\n";
 constexpr const char *LINE_SEPARATOR = "\r\n";
 constexpr const char *CACHE_CONTROL = "Cache-Control";

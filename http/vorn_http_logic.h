@@ -18,6 +18,15 @@ class CachedCaStore;
 // status, the response heads (as clients get them) and the body.
 class HttpLogic {
 public:
+    // The fixed transfer settings (also what a bare-libcurl comparison must use).
+    static constexpr const char *ALLOWED_PROTOCOLS = "https";
+    static constexpr const char *CIPHER_LIST = "AESGCM:!RSA:!DHE:!MEDIUM:!aNULL:!eNULL:!EXPORT:!DES:!3DES:!MD5:!EXP:"
+                                               "!PSK:!RC4:!SRP:!aECDH:!ADH:!CAMELLIA:!LOW";
+    static constexpr long MAX_REDIRECTS = 1;
+    static constexpr long CONNECT_TIMEOUT_SECONDS = 10;
+    static constexpr long TRANSFER_TIMEOUT_SECONDS = 10;
+    static constexpr long VERIFY_HOST_NAME = 2;
+
     HttpLogic(VornInitConfigParser::VornRequestInfo info, std::string url);
     virtual ~HttpLogic() = default;
     HttpLogic(const HttpLogic &) = delete;

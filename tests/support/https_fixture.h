@@ -1,37 +1,16 @@
 #ifndef VORN_TESTS_SUPPORT_HTTPS_FIXTURE_H
 #define VORN_TESTS_SUPPORT_HTTPS_FIXTURE_H
 
-#include <memory>
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
-
-#include "certificate_authority.h"
-#include "local_https_server.h"
-#include "scoped_env.h"
-#include "temp_dir.h"
+#include "local_server_fixture.h"
 #include "vorn_init_config_parser.h"
 
 namespace VornTest {
-// A local HTTPS server with a CA made for this test, plus the request description a client
-// would send to it. Proxy variables are cleared: nothing may leave 127.0.0.1.
-class HttpsFixture : public testing::Test {
+// A local HTTPS server and the request description a client would send to it.
+class HttpsFixture : public LocalServerFixture {
 protected:
-    void SetUp() override
-    {
-        auto files = VornTestbed::MakeCertificateFiles(dir_.Path("pki"));
-        ASSERT_TRUE(files.has_value());
-        files_ = *files;
-        server_ = std::make_unique<VornTestbed::LocalHttpsServer>(VornTestbed::ServerOptions::Tls(files_));
-        ASSERT_TRUE(server_->Start());
-    }
-
-    std::string Url(const std::string &path) const
-    {
-        return server_->BaseUrl() + path;
-    }
-
     OHOS::Vorn::VornInitConfigParser::VornRequestInfo Request(const std::vector<std::string> &baseUrls) const
     {
         OHOS::Vorn::VornInitConfigParser::VornRequestInfo info;
@@ -43,16 +22,6 @@ protected:
         info.requestBody = {"alpha", "beta"};
         return info;
     }
-
-    VornTestbed::TempDir dir_;
-    VornTestbed::CertificateFiles files_;
-    std::unique_ptr<VornTestbed::LocalHttpsServer> server_;
-
-private:
-    ScopedEnv noProxy_{"VORN_DEFAULT_HTTP_PROXY", std::nullopt};
-    ScopedEnv noHttpsProxy_{"https_proxy", std::nullopt};
-    ScopedEnv noUpperHttpsProxy_{"HTTPS_PROXY", std::nullopt};
-    ScopedEnv noAllProxy_{"ALL_PROXY", std::nullopt};
 };
 } // namespace VornTest
 

@@ -8,36 +8,19 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "certificate_authority.h"
-#include "local_https_server.h"
-#include "scoped_env.h"
+#include "local_server_fixture.h"
 #include "subprocess.h"
-#include "temp_dir.h"
 
 namespace VornTest {
 // Runs the built vornctl (VORNCTL_BINARY) as a child process against a local HTTPS server with a
 // CA made for the test. Proxy variables are cleared for the children: nothing leaves 127.0.0.1.
-class VornctlFixture : public testing::Test {
+class VornctlFixture : public LocalServerFixture {
 protected:
-    void SetUp() override
-    {
-        auto files = VornTestbed::MakeCertificateFiles(dir_.Path("pki"));
-        ASSERT_TRUE(files.has_value());
-        files_ = *files;
-        server_ = std::make_unique<VornTestbed::LocalHttpsServer>(VornTestbed::ServerOptions::Tls(files_));
-        ASSERT_TRUE(server_->Start());
-    }
-
     ProcessResult Vornctl(const std::vector<std::string> &args, ProcessOptions options = {}) const
     {
         std::vector<std::string> argv {VORNCTL_BINARY};
         argv.insert(argv.end(), args.begin(), args.end());
         return RunProcess(argv, options);
-    }
-
-    std::string Url(const std::string &path) const
-    {
-        return server_->BaseUrl() + path;
     }
 
     std::string RequestFor(const std::vector<std::string> &baseUrls) const
@@ -63,17 +46,6 @@ protected:
         }
         return responses;
     }
-
-    VornTestbed::TempDir dir_;
-    VornTestbed::CertificateFiles files_;
-    std::unique_ptr<VornTestbed::LocalHttpsServer> server_;
-
-private:
-    ScopedEnv noProxy_ {"VORN_DEFAULT_HTTP_PROXY", std::nullopt};
-    ScopedEnv noHttpsProxy_ {"https_proxy", std::nullopt};
-    ScopedEnv noUpperHttpsProxy_ {"HTTPS_PROXY", std::nullopt};
-    ScopedEnv noAllProxy_ {"ALL_PROXY", std::nullopt};
-    ScopedEnv noLowerAllProxy_ {"all_proxy", std::nullopt};
 };
 } // namespace VornTest
 
