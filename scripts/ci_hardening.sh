@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
 # The hardening stage of CI, run after the normal suite:
 #   1. the whole suite under AddressSanitizer + UndefinedBehaviorSanitizer (LeakSanitizer included),
-#   2. the whole suite under ThreadSanitizer, but for the soak test (its thousand requests add
-#      minutes under TSan and no path that the engine tests leave out),
+#   2. the whole suite under ThreadSanitizer,
 #   3. every libFuzzer target briefly (a minute in all).
 # Any sanitizer report fails the stage. Suppressions live in tests/sanitizers/*.supp; each entry
 # names a third-party library and says why.
@@ -62,7 +61,7 @@ start_stage "TSan build"
 build_sanitized "$tsan_dir" thread
 end_stage
 start_stage "TSan suite"
-ctest --test-dir "$tsan_dir" -j"$jobs" --output-on-failure -E '^SoakTimingTest\.'
+ctest --test-dir "$tsan_dir" -j"$jobs" --output-on-failure
 end_stage
 
 start_stage "fuzzing"

@@ -181,8 +181,9 @@ TEST_F(HiLogTest, RevealedConversionsMatchPrintf)
         42, "ab", 255u, -4, 7, 2, "abcdef", 300, static_cast<short>(-2), 123456789UL, -1LL, 8u, 0xbeefu, 1e-10, 0.5,
         static_cast<long double>(3.0), "truncate", 3, "r", -1, 2.0);
 
+    // 300 reaches the log as an int and is narrowed by %hhu there; the reference gets it narrowed.
     std::string expected = Expected("%+05d|%-6s|%#x|%*d|%.*s|%hhu|%hd|%lu|%lld|%o|%X|%G|%a|%Le|%.3s|%*s|%.*f", 42,
-        "ab", 255u, -4, 7, 2, "abcdef", 300, static_cast<short>(-2), 123456789UL, -1LL, 8u, 0xbeefu, 1e-10, 0.5,
+        "ab", 255u, -4, 7, 2, "abcdef", static_cast<unsigned char>(300), static_cast<short>(-2), 123456789UL, -1LL, 8u, 0xbeefu, 1e-10, 0.5,
         static_cast<long double>(3.0), "truncate", 3, "r", -1, 2.0);
     EXPECT_EQ(LoggedText(capture), expected);
 }
