@@ -66,23 +66,6 @@ TEST(FfrtTimingTest, SerialQueueRunsDelayedTasksWhenDueAndInDueOrder)
     EXPECT_EQ(order, (std::vector<int> {3, 1, 2, 0}));
 }
 
-TEST(FfrtTimingTest, CancelledDelayedTaskNeverRuns)
-{
-    ffrt_queue_t queue = ffrt_queue_create(ffrt_queue_serial, "cancel-delayed", nullptr);
-    std::atomic<bool> ran {false};
-    ffrt_task_attr_t attr;
-    ffrt_task_attr_init(&attr);
-    ffrt_task_attr_set_delay(&attr, Micros(100ms));
-    ffrt_task_handle_t handle = ffrt_queue_submit_h(queue,
-        ffrt::create_function_wrapper([&ran] { ran = true; }, ffrt_function_kind_queue), &attr);
-    ffrt_task_attr_destroy(&attr);
-    ASSERT_EQ(ffrt_queue_cancel(handle), 0);
-    std::this_thread::sleep_for(300ms);
-    EXPECT_FALSE(ran.load());
-    ffrt_task_handle_destroy(handle);
-    ffrt_queue_destroy(queue);
-}
-
 TEST(FfrtTimingTest, ExtraWorkersLeaveAfterIdling)
 {
     constexpr int blocked = 50;
