@@ -59,7 +59,7 @@ size_t ParseLength(const char *p, Length &length)
 
 struct PrivacyFormatter::Conversion {
     bool isPublic = false;
-    std::string spec; // the conversion rebuilt for snprintf, with '*' replaced by the values read
+    std::string directive; // the conversion rebuilt for snprintf, with '*' replaced by the values read
     Length length = Length::NONE;
     char type = '\0';
 };
@@ -86,27 +86,27 @@ std::string PrivacyFormatter::Format(const char *fmt, va_list *args)
     return out_;
 }
 
-// Formats the conversion starting at the '%' in `spec`; returns where the plain text resumes.
-const char *PrivacyFormatter::FormatConversion(const char *spec, va_list *args)
+// Formats the conversion starting at the '%' in `directive`; returns where the plain text resumes.
+const char *PrivacyFormatter::FormatConversion(const char *directive, va_list *args)
 {
     Conversion conv;
-    const char *p = spec + 1;
+    const char *p = directive + 1;
     if (StartsWith(p, PUBLIC_QUALIFIER)) {
         conv.isPublic = true;
         p += std::strlen(PUBLIC_QUALIFIER);
     } else if (StartsWith(p, PRIVATE_QUALIFIER)) {
         p += std::strlen(PRIVATE_QUALIFIER);
     }
-    conv.spec = "%";
+    conv.directive = "%";
     while (*p != '\0' && std::strchr(FLAG_CHARS, *p) != nullptr) {
-        conv.spec += *p++;
+        conv.directive += *p++;
     }
     if (*p == '*') {
-        conv.spec += std::to_string(va_arg(*args, int));
+        conv.directive += std::to_string(va_arg(*args, int));
         ++p;
     }
     while (IsDigit(*p)) {
-        conv.spec += *p++;
+        conv.directive += *p++;
     }
     if (*p == '.') {
         ++p;
@@ -115,26 +115,26 @@ const char *PrivacyFormatter::FormatConversion(const char *spec, va_list *args)
             ++p;
             // A negative precision read through '*' counts as if none had been given.
             if (precision >= 0) {
-                conv.spec += "." + std::to_string(precision);
+                conv.directive += "." + std::to_string(precision);
             }
         } else {
-            conv.spec += '.';
+            conv.directive += '.';
             while (IsDigit(*p)) {
-                conv.spec += *p++;
+                conv.directive += *p++;
             }
         }
     }
     size_t lengthChars = ParseLength(p, conv.length);
-    conv.spec.append(p, lengthChars);
+    conv.directive.append(p, lengthChars);
     p += lengthChars;
 
     // Anything that is not a conversion is kept as written and consumes no argument.
     if (*p == '\0' || std::strchr(CONVERSION_CHARS, *p) == nullptr) {
-        AppendText(spec, static_cast<size_t>(p - spec));
+        AppendText(directive, static_cast<size_t>(p - directive));
         return p;
     }
     conv.type = *p;
-    conv.spec += *p;
+    conv.directive += *p;
     AppendValue(conv, args);
     return p + 1;
 }
@@ -249,7 +249,7 @@ void PrivacyFormatter::AppendFormatted(const Conversion &conv, T value)
     size_t used = out_.size();
     size_t room = maxBytes_ - used;
     out_.resize(maxBytes_ + 1);
-    int written = std::snprintf(&out_[used], room + 1, conv.spec.c_str(), value);
+    int written = std::snprintf(&out_[used], room + 1, conv.directive.c_str(), value);
     out_.resize(written < 0 ? used : used + std::min(static_cast<size_t>(written), room));
 }
 

@@ -20,7 +20,7 @@ public:
 private:
     struct Conversion;
 
-    const char *FormatConversion(const char *spec, va_list *args);
+    const char *FormatConversion(const char *directive, va_list *args);
     void AppendValue(const Conversion &conv, va_list *args);
     void AppendSigned(const Conversion &conv, va_list *args);
     void AppendUnsigned(const Conversion &conv, va_list *args);
