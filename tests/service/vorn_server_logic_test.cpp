@@ -85,7 +85,7 @@ protected:
     {
         HttpsFixture::SetUp();
         recorder_ = new VornClient::ResponseRecorder();
-        callback_ = OHOS::iface_cast<IVornRequestCallback>(HostPlatform::MakeRemoteProxy(recorder_->AsObject()));
+        callback_ = recorder_->RemoteCallback();
         ASSERT_NE(callback_, nullptr);
     }
 
@@ -304,7 +304,7 @@ TEST_F(ServerConfigTest, UnusableConfigurationAnswersWithOneErrorResponse)
             WriteConfig(*c.content);
         }
         recorder_ = new VornClient::ResponseRecorder();
-        callback_ = OHOS::iface_cast<IVornRequestCallback>(HostPlatform::MakeRemoteProxy(recorder_->AsObject()));
+        callback_ = recorder_->RemoteCallback();
         logs_.Clear();
 
         EXPECT_EQ(Run(Request({})), -1);

@@ -45,7 +45,7 @@ protected:
     {
         HttpsFixture::SetUp();
         recorder_ = new VornClient::ResponseRecorder();
-        callback_ = OHOS::iface_cast<IVornRequestCallback>(HostPlatform::MakeRemoteProxy(recorder_->AsObject()));
+        callback_ = recorder_->RemoteCallback();
         ASSERT_NE(callback_, nullptr);
         HttpResponse stall = HttpResponse::Text(200, "late");
         stall.stall = VornTestbed::Stall::BeforeHead;

@@ -49,8 +49,7 @@ protected:
     Outcome Run(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info)
     {
         OHOS::sptr<VornClient::ResponseRecorder> recorder = new VornClient::ResponseRecorder();
-        auto callback = OHOS::iface_cast<OHOS::Vorn::IVornRequestCallback>(
-            HostPlatform::MakeRemoteProxy(recorder->AsObject()));
+        auto callback = recorder->RemoteCallback();
         Outcome outcome;
         outcome.code = std::make_shared<OHOS::Vorn::VornServerLogic>(info)->GetAllServiceUrl(callback);
         EXPECT_TRUE(HostPlatform::FfrtWaitIdle(std::chrono::seconds(30)));

@@ -1,5 +1,6 @@
 #include "response_recorder.h"
 
+#include "ipc_host.h"
 #include "ipc_types.h"
 
 namespace VornClient {
@@ -29,6 +30,11 @@ void ResponseRecorder::OnResponse(const std::string &response)
         }
     }
     arrived_.notify_all();
+}
+
+OHOS::sptr<OHOS::Vorn::IVornRequestCallback> ResponseRecorder::RemoteCallback()
+{
+    return OHOS::iface_cast<OHOS::Vorn::IVornRequestCallback>(HostPlatform::MakeRemoteProxy(AsObject()));
 }
 
 std::vector<std::string> ResponseRecorder::Responses() const

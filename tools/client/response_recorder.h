@@ -24,6 +24,10 @@ public:
         OHOS::MessageOption &option) override;
     void OnResponse(const std::string &response) override;
 
+    // What the service holds for this callback when the client is another process: a proxy
+    // reached through the platform's broker registry.
+    OHOS::sptr<OHOS::Vorn::IVornRequestCallback> RemoteCallback();
+
     std::vector<std::string> Responses() const;
     size_t Count() const;
     // Waits until at least `count` responses arrived or the timeout passed.
