@@ -84,15 +84,7 @@ RunResult BareLoad::Run()
     result.latencyMs = LatencySummary::Of(std::move(outcome.latencyMs));
     result.cpuMsPerRequest = cpuUsed / static_cast<double>(target_.requests);
     // The client threads, the main thread and the sampler.
-    result.harnessThreads = std::min(target_.requests, target_.concurrency) + 2;
-    result.threadsStart = start.threads;
-    result.threadsPeak = peak.threads;
-    result.threadsIdle = idle.threads;
-    result.rssColdKib = cold.rssKib;
-    result.rssStartKib = start.rssKib;
-    result.rssPeakKib = peak.rssKib;
-    result.hwmKib = idle.hwmKib;
-    result.rssIdleKib = idle.rssKib;
+    result.SetProcessFigures(cold, start, peak, idle, std::min(target_.requests, target_.concurrency) + 2);
     return result;
 }
 

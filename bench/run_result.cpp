@@ -127,4 +127,18 @@ RunResult RunResult::FromJson(const nlohmann::json &json)
     result.rssIdleKib = rss.at("idle").get<size_t>();
     return result;
 }
+
+void RunResult::SetProcessFigures(const ProcessStatus &cold, const ProcessStatus &start, const ProcessStatus &peak,
+    const ProcessStatus &idle, size_t harness)
+{
+    harnessThreads = harness;
+    threadsStart = start.threads;
+    threadsPeak = peak.threads;
+    threadsIdle = idle.threads;
+    rssColdKib = cold.rssKib;
+    rssStartKib = start.rssKib;
+    rssPeakKib = peak.rssKib;
+    hwmKib = idle.hwmKib;
+    rssIdleKib = idle.rssKib;
+}
 } // namespace VornBench

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "latency_summary.h"
+#include "process_probe.h"
 
 namespace VornBench {
 // What one load run measured: N requests at concurrency C, through the service or bare libcurl.
@@ -32,6 +33,11 @@ struct RunResult {
     size_t rssPeakKib = 0;     // sampled VmRSS during the run
     size_t hwmKib = 0;         // VmHWM at the end: the process's resident peak, warm-up included
     size_t rssIdleKib = 0;
+
+    // The thread and memory figures of a run: at the start (cold, after the warm-up), its sampled
+    // peak and after it at rest. The harness is the tool's own threads during the run.
+    void SetProcessFigures(const ProcessStatus &cold, const ProcessStatus &start, const ProcessStatus &peak,
+        const ProcessStatus &idle, size_t harness);
 
     size_t Unanswered() const { return requests - answered; }
     // The peak less the tool's own threads: what the service (or libcurl) ran beside the clients.
