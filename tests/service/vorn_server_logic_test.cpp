@@ -13,7 +13,7 @@
 
 #include "ffrt_host.h"
 #include "hilog_host.h"
-#include "https_fixture.h"
+#include "engine_fixture.h"
 #include "ipc_host.h"
 #include "log_lines.h"
 #include "iremote_broker.h"
@@ -79,22 +79,9 @@ TEST(ServerLogicResponseTest, ClockSteppedBackGivesHugeUnsignedTimesAndBadUtf8Th
         Json::type_error);
 }
 
-class ServerLogicTest : public VornTest::HttpsFixture {
+class ServerLogicTest : public VornTest::EngineFixture {
 protected:
-    void SetUp() override
-    {
-        HttpsFixture::SetUp();
-        recorder_ = new VornClient::ResponseRecorder();
-        callback_ = recorder_->RemoteCallback();
-        ASSERT_NE(callback_, nullptr);
-    }
-
-    void TearDown() override
-    {
-        // Attempts still running must not spill into the next test.
-        server_->Stop();
-        EXPECT_TRUE(HostPlatform::FfrtWaitIdle(15s));
-    }
+    ServerLogicTest() : EngineFixture(15s) {}
 
     int32_t Run(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info)
     {
@@ -126,8 +113,6 @@ protected:
         return count;
     }
 
-    sptr<VornClient::ResponseRecorder> recorder_;
-    sptr<IVornRequestCallback> callback_;
     HostPlatform::LogCapture logs_;
 };
 
@@ -303,8 +288,7 @@ TEST_F(ServerConfigTest, UnusableConfigurationAnswersWithOneErrorResponse)
         if (c.content) {
             WriteConfig(*c.content);
         }
-        recorder_ = new VornClient::ResponseRecorder();
-        callback_ = recorder_->RemoteCallback();
+        NewCallback();
         logs_.Clear();
 
         EXPECT_EQ(Run(Request({})), -1);

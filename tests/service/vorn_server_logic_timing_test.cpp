@@ -10,7 +10,7 @@
 
 #include "ffrt_host.h"
 #include "hilog_host.h"
-#include "https_fixture.h"
+#include "engine_fixture.h"
 #include "ipc_host.h"
 #include "log_lines.h"
 #include "iremote_broker.h"
@@ -39,27 +39,19 @@ long long MsSince(Clock::time_point start)
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
 }
 
-class ServerLogicTimingTest : public VornTest::HttpsFixture {
+class ServerLogicTimingTest : public VornTest::EngineFixture {
 protected:
+    ServerLogicTimingTest() : EngineFixture(20s) {}
+
     void SetUp() override
     {
-        HttpsFixture::SetUp();
-        recorder_ = new VornClient::ResponseRecorder();
-        callback_ = recorder_->RemoteCallback();
-        ASSERT_NE(callback_, nullptr);
+        EngineFixture::SetUp();
         HttpResponse stall = HttpResponse::Text(200, "late");
         stall.stall = VornTestbed::Stall::BeforeHead;
         for (const char *path : {"/stall1", "/stall2", "/stall3"}) {
             server_->Respond(path, stall);
         }
         server_->Respond("/ok", HttpResponse::Text(200, "fast"));
-    }
-
-    void TearDown() override
-    {
-        // Ends the stalls, so the abandoned attempts finish before the next test.
-        server_->Stop();
-        EXPECT_TRUE(HostPlatform::FfrtWaitIdle(20s));
     }
 
     size_t Lines(LogLevel level, const std::string &text) const
@@ -75,8 +67,6 @@ protected:
         return static_cast<size_t>(it - records.begin());
     }
 
-    sptr<VornClient::ResponseRecorder> recorder_;
-    sptr<IVornRequestCallback> callback_;
     HostPlatform::LogCapture logs_;
 };
 

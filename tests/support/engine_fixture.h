@@ -1,0 +1,49 @@
+#ifndef VORN_TESTS_SUPPORT_ENGINE_FIXTURE_H
+#define VORN_TESTS_SUPPORT_ENGINE_FIXTURE_H
+
+#include <chrono>
+
+#include <gtest/gtest.h>
+
+#include "ffrt_host.h"
+#include "https_fixture.h"
+#include "i_vorn_request_callback.h"
+#include "response_recorder.h"
+
+namespace VornTest {
+// A local HTTPS server plus a client callback as the engine holds it, for tests that run
+// requests through the engine. Teardown stops the server, which ends its stalls, and waits
+// until every attempt has finished, so that nothing spills into the next test.
+class EngineFixture : public HttpsFixture {
+protected:
+    explicit EngineFixture(std::chrono::seconds idleTimeout) : idleTimeout_(idleTimeout) {}
+
+    void SetUp() override
+    {
+        HttpsFixture::SetUp();
+        NewCallback();
+    }
+
+    void TearDown() override
+    {
+        server_->Stop();
+        EXPECT_TRUE(HostPlatform::FfrtWaitIdle(idleTimeout_));
+    }
+
+    // A fresh callback object, with no responses recorded yet.
+    void NewCallback()
+    {
+        recorder_ = new VornClient::ResponseRecorder();
+        callback_ = recorder_->RemoteCallback();
+        ASSERT_NE(callback_, nullptr);
+    }
+
+    OHOS::sptr<VornClient::ResponseRecorder> recorder_;
+    OHOS::sptr<OHOS::Vorn::IVornRequestCallback> callback_;
+
+private:
+    std::chrono::seconds idleTimeout_;
+};
+} // namespace VornTest
+
+#endif // VORN_TESTS_SUPPORT_ENGINE_FIXTURE_H
