@@ -12,6 +12,7 @@
 #include "tokenid_kit.h"
 #include "vorn_error_code.h"
 #include "vorn_log.h"
+#include "vorn_metrics.h"
 #include "vorn_omsa_info.h"
 #include "vorn_server_logic.h"
 #include "vorn_thread.h"
@@ -117,7 +118,9 @@ int32_t VornSAStub::PostVornRequest(const std::string &paramStr, const sptr<IVor
         VORN_LOGE("VornSAStub::PostVornRequest json parse failed");
         return ERR_PARCEL_READ_PARAM;
     }
+    VornMetrics::Add(VornMetrics::Counter::REQUESTS);
     VornThread::GetThreadPool(BINDER_POOL)->PostTaskDelay([info = std::move(info), callback]() {
+        VornMetrics::InFlight inFlight(VornMetrics::Gauge::REQUESTS_IN_FLIGHT);
         // Nothing may escape a pool task: an escaping exception would end the whole service.
         try {
             (void)SendNetworkRequest(info, callback);
