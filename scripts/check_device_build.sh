@@ -142,7 +142,9 @@ if ! log=$(gn gen "$out/out" --root="$root" --args="$gn_args" 2>&1); then
 fi
 if ! log=$(ninja -C "$out/out" -j "${VORN_GN_JOBS:-2}" 2>&1); then
     echo "check_device_build: the GN build does not compile or link:" >&2
-    grep -v '^\[[0-9]*/[0-9]*\] ' <<<"$log" | head -n 60 >&2
+    # The errors without ninja's progress lines and the long compiler command lines.
+    grep -v -E '^(\[[0-9]+/[0-9]+\] |ninja: Entering |(\S*ccache )?\S*(g\+\+|gcc|clang\+\+|clang) )' <<<"$log" |
+        head -n 40 >&2
     exit 1
 fi
 built=$(cd "$out/out" && ls *.z.so | wc -l)
