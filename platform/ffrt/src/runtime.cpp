@@ -387,4 +387,12 @@ size_t Runtime::PeakWorkerCount()
     Lock lock(mutex_);
     return peakWorkers_;
 }
+
+TaskSuspension::TaskSuspension() : suspended_(false)
+{
+}
+
+TaskSuspension::~TaskSuspension()
+{
+}
 } // namespace HostFfrt

@@ -89,6 +89,19 @@ private:
     bool timerStarted_ = false;
     std::atomic<bool> queueSubmitBroken_ {false};
 };
+
+// Gives the running task's worker back for the lifetime of the scope, and takes a running slot
+// again before the scope ends. Outside a task it does nothing: the thread simply blocks.
+class TaskSuspension {
+public:
+    TaskSuspension();
+    ~TaskSuspension();
+    TaskSuspension(const TaskSuspension &) = delete;
+    TaskSuspension &operator=(const TaskSuspension &) = delete;
+
+private:
+    bool suspended_;
+};
 } // namespace HostFfrt
 
 #endif // HOST_FFRT_RUNTIME_H
