@@ -3,7 +3,6 @@
 #include <atomic>
 #include <chrono>
 #include <exception>
-#include <future>
 #include <ios>
 #include <list>
 #include <utility>
@@ -11,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "callback_parcel_limit.h"
+#include "ffrt_inner.h"
 #include "file_utils.h"
 #include "string_utils.h"
 #include "time_utils.h"
@@ -71,7 +71,7 @@ std::string Serialise(const nlohmann::json &response)
 // A task's exception (say, a response that is not valid UTF-8) stays in its future; here it
 // turns into a plain failure so that nothing a server sends can take the service down.
 template <typename T, typename CodeOf>
-int32_t CollectCode(std::future<T> &future, const char *what, CodeOf codeOf)
+int32_t CollectCode(ffrt::future<T> &future, const char *what, CodeOf codeOf)
 {
     try {
         return codeOf(future.get());
@@ -83,7 +83,7 @@ int32_t CollectCode(std::future<T> &future, const char *what, CodeOf codeOf)
     return ERR_FAILED;
 }
 
-int32_t CollectAttempt(std::future<VornServerLogic::VornRequestResult> &future)
+int32_t CollectAttempt(ffrt::future<VornServerLogic::VornRequestResult> &future)
 {
     return CollectCode(future, "attempt", [](const VornServerLogic::VornRequestResult &result) {
         return result.code;
@@ -171,12 +171,12 @@ int32_t VornServerLogic::GetAllServiceUrl(const sptr<IVornRequestCallback> &call
     }
     requestStartTime_ = static_cast<uint64_t>(TimeUtils::GetTimeMills());
 
-    std::future<VornErrorCodeType> job = VornThread::GetThreadPool(HTTP_POOL)->Submit(
+    ffrt::future<VornErrorCodeType> job = VornThread::GetThreadPool(HTTP_POOL)->Submit(
         [info = requestInfo_, callback = callback_, startTime = requestStartTime_]() {
             return static_cast<VornErrorCodeType>(SubmitRequestTask(info, callback, startTime));
         },
         NextTaskName(HTTP_TASK_PREFIX));
-    if (job.wait_until(std::chrono::steady_clock::now() + JOB_WAIT) != std::future_status::ready) {
+    if (job.wait_until(std::chrono::steady_clock::now() + JOB_WAIT) != ffrt::future_status::ready) {
         VORN_LOGW("VornServerLogic::GetAllServiceUrl futrue wait timeout");
         return ERR_FAILED;
     }
@@ -240,7 +240,7 @@ int32_t VornServerLogic::SubmitRequestTask(VornInitConfigParser::VornRequestInfo
     int32_t lastCode = ERR_FAILED;
     uint64_t attemptIndex = 0;
     // Attempts still running when their wait ended: never cancelled, collected in order at the end.
-    std::list<std::future<VornRequestResult>> pendingFutures;
+    std::list<ffrt::future<VornRequestResult>> pendingFutures;
     for (const std::string &url : info.baseUrls) {
         if (BudgetExceeded(requestStartTime)) {
             VORN_LOGW("SubmitRequestTask:: time to return:%{public}lu", static_cast<unsigned long>(requestStartTime));
@@ -250,12 +250,12 @@ int32_t VornServerLogic::SubmitRequestTask(VornInitConfigParser::VornRequestInfo
         statistics->submitTime = static_cast<uint64_t>(TimeUtils::GetTimeMills());
         statistics->domain = StringUtils::GetDomainFromUrl(url);
         ++attemptIndex;
-        std::future<VornRequestResult> attempt = VornThread::GetThreadPool(HTTP_POOL)->Submit(
+        ffrt::future<VornRequestResult> attempt = VornThread::GetThreadPool(HTTP_POOL)->Submit(
             [info, callback, url, attemptIndex, statistics]() {
                 return ThreadFunc(info, callback, url, attemptIndex, statistics);
             },
             NextTaskName(CURL_TASK_PREFIX));
-        if (attempt.wait_until(std::chrono::steady_clock::now() + ATTEMPT_WAIT) != std::future_status::ready) {
+        if (attempt.wait_until(std::chrono::steady_clock::now() + ATTEMPT_WAIT) != ffrt::future_status::ready) {
             VORN_LOGI("SubmitRequestTask:: next");
             pendingFutures.push_back(std::move(attempt));
             continue;

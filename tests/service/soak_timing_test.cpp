@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "device_runtime.h"
 #include "ffrt_host.h"
 #include "https_fixture.h"
 #include "ipc_host.h"
