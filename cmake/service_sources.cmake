@@ -13,6 +13,7 @@ set(VORN_SERVICE_SOURCES
   ${CMAKE_CURRENT_LIST_DIR}/../http/ca_store_cache.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../http/cached_ca_store.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../http/curl_share.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../http/transfer_loop.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_request_callback_proxy.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_sa.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_sa_stub.cpp

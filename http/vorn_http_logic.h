@@ -66,6 +66,7 @@ private:
     bool SetRequiredOption(CURLoption option, const void *value, const char *failureLog) const;
     void SetTransferOptions();
     void SetCaOptions();
+    void SetLoopOptions();
 
     VornInitConfigParser::VornRequestInfo requestInfo_;
     std::string hostName_;
