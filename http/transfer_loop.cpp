@@ -35,7 +35,7 @@ TransferLoop::~TransferLoop()
     thread_.join();
 }
 
-std::future<CURLcode> TransferLoop::Perform(CURL *curl)
+ffrt::future<CURLcode> TransferLoop::Perform(CURL *curl)
 {
     TransferLoop *loop = Running();
     if (loop == nullptr) {
@@ -73,18 +73,18 @@ TransferLoop *TransferLoop::Running()
     return loop.get();
 }
 
-std::future<CURLcode> TransferLoop::Finished(CURLcode code)
+ffrt::future<CURLcode> TransferLoop::Finished(CURLcode code)
 {
-    std::promise<CURLcode> done;
+    ffrt::promise<CURLcode> done;
     done.set_value(code);
     return done.get_future();
 }
 
-std::future<CURLcode> TransferLoop::Hand(CURL *curl)
+ffrt::future<CURLcode> TransferLoop::Hand(CURL *curl)
 {
     Transfer transfer;
     transfer.curl = curl;
-    std::future<CURLcode> result = transfer.done.get_future();
+    ffrt::future<CURLcode> result = transfer.done.get_future();
     std::lock_guard<std::mutex> lock(queueMutex_);
     if (stopping_) {
         return Finished(NOT_RUN);

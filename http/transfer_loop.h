@@ -9,7 +9,7 @@
 
 #include <curl/curl.h>
 
-#include <future>
+#include "ffrt_inner.h"
 
 namespace OHOS {
 namespace Vorn {
@@ -27,7 +27,7 @@ public:
     // global set-up has then been done by the caller's curl_easy_init). The future is set once
     // the handle is out of the loop's multi handle again; until then the caller must neither
     // touch nor free it. A loop that cannot start or take the handle gives NOT_RUN at once.
-    static std::future<CURLcode> Perform(CURL *curl);
+    static ffrt::future<CURLcode> Perform(CURL *curl);
 
 private:
     struct MultiDeleter {
@@ -52,15 +52,15 @@ public:
 private:
     struct Transfer {
         CURL *curl = nullptr;
-        std::promise<CURLcode> done;
+        ffrt::promise<CURLcode> done;
     };
 
     // The running loop, started here on first use; null (logged) when it cannot start, in which
     // case the next call tries again.
     static TransferLoop *Running();
-    static std::future<CURLcode> Finished(CURLcode code);
+    static ffrt::future<CURLcode> Finished(CURLcode code);
 
-    std::future<CURLcode> Hand(CURL *curl);
+    ffrt::future<CURLcode> Hand(CURL *curl);
     void Run();
     // One turn's hand-over: adds what was queued; false once the loop is to stop.
     bool TakeQueued();
@@ -70,7 +70,7 @@ private:
 
     // Touched only by the loop thread once it has started.
     MultiPtr multi_;
-    std::unordered_map<CURL *, std::promise<CURLcode>> running_;
+    std::unordered_map<CURL *, ffrt::promise<CURLcode>> running_;
 
     std::mutex queueMutex_;
     std::vector<Transfer> queue_;
