@@ -1,6 +1,6 @@
 #include "transfer_loop.h"
 
-#include <exception>
+#include <mutex>
 #include <system_error>
 #include <utility>
 
@@ -25,7 +25,7 @@ TransferLoop::TransferLoop(StartKey, MultiPtr multi) : multi_(std::move(multi)),
 TransferLoop::~TransferLoop()
 {
     {
-        std::lock_guard<std::mutex> lock(queueMutex_);
+        std::lock_guard<ffrt::mutex> lock(queueMutex_);
         stopping_ = true;
         const CURLMcode code = curl_multi_wakeup(multi_.get());
         if (code != CURLM_OK) {
@@ -46,9 +46,9 @@ ffrt::future<CURLcode> TransferLoop::Perform(CURL *curl)
 
 TransferLoop *TransferLoop::Running()
 {
-    static std::mutex startMutex;
+    static ffrt::mutex startMutex;
     static std::unique_ptr<TransferLoop> loop;
-    std::lock_guard<std::mutex> lock(startMutex);
+    std::lock_guard<ffrt::mutex> lock(startMutex);
     if (loop != nullptr) {
         return loop.get();
     }
@@ -85,7 +85,7 @@ ffrt::future<CURLcode> TransferLoop::Hand(CURL *curl)
     Transfer transfer;
     transfer.curl = curl;
     ffrt::future<CURLcode> result = transfer.done.get_future();
-    std::lock_guard<std::mutex> lock(queueMutex_);
+    std::lock_guard<ffrt::mutex> lock(queueMutex_);
     if (stopping_) {
         return Finished(NOT_RUN);
     }
@@ -128,22 +128,27 @@ bool TransferLoop::TakeQueued()
     std::vector<Transfer> taken;
     bool stopping = false;
     {
-        std::lock_guard<std::mutex> lock(queueMutex_);
+        std::lock_guard<ffrt::mutex> lock(queueMutex_);
         taken.swap(queue_);
         stopping = stopping_;
     }
     for (Transfer &transfer : taken) {
-        const CURLMcode code = stopping ? CURLM_OK : curl_multi_add_handle(multi_.get(), transfer.curl);
-        if (stopping || code != CURLM_OK) {
-            if (code != CURLM_OK) {
-                VORN_LOGE("TransferLoop: curl_multi_add_handle failed, code = %{public}d", static_cast<int>(code));
-            }
+        if (stopping || !Add(transfer)) {
             transfer.done.set_value(NOT_RUN);
-            continue;
         }
-        running_.emplace(transfer.curl, std::move(transfer.done));
     }
     return !stopping;
+}
+
+bool TransferLoop::Add(Transfer &transfer)
+{
+    const CURLMcode code = curl_multi_add_handle(multi_.get(), transfer.curl);
+    if (code != CURLM_OK) {
+        VORN_LOGE("TransferLoop: curl_multi_add_handle failed, code = %{public}d", static_cast<int>(code));
+        return false;
+    }
+    running_.emplace(transfer.curl, std::move(transfer.done));
+    return true;
 }
 
 void TransferLoop::ReportDone()

@@ -2,7 +2,6 @@
 #define VORN_HTTP_TRANSFER_LOOP_H
 
 #include <memory>
-#include <mutex>
 #include <thread>
 #include <unordered_map>
 #include <vector>
@@ -64,15 +63,20 @@ private:
     void Run();
     // One turn's hand-over: adds what was queued; false once the loop is to stop.
     bool TakeQueued();
+    // False (logged) when the multi handle refuses the transfer; its promise is then untouched.
+    bool Add(Transfer &transfer);
     void ReportDone();
     void Report(CURL *curl, CURLcode code);
     void AbortAll();
 
-    // Touched only by the loop thread once it has started.
+    // Used only by the loop thread once it has started; others only wake it, which libcurl
+    // allows from any thread.
     MultiPtr multi_;
     std::unordered_map<CURL *, ffrt::promise<CURLcode>> running_;
 
-    std::mutex queueMutex_;
+    // Taken by attempts, which are runtime tasks: the runtime's mutex lets a waiting task
+    // give its worker back.
+    ffrt::mutex queueMutex_;
     std::vector<Transfer> queue_;
     bool stopping_ = false;
     // Declared last: the thread starts once everything it uses is in place.
