@@ -14,6 +14,7 @@ set(VORN_SERVICE_SOURCES
   ${CMAKE_CURRENT_LIST_DIR}/../http/cached_ca_store.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../http/curl_share.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../http/response_size_guard.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../http/transfer_loop.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_request_callback_proxy.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_sa.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_dumper.cpp

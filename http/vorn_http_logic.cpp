@@ -13,6 +13,7 @@
 #include "http_proxy.h"
 #include "net_conn_client.h"
 #include "string_utils.h"
+#include "transfer_loop.h"
 #include "vorn_log.h"
 
 namespace OHOS {
@@ -112,8 +113,11 @@ long HttpLogic::PostHttpsRequest()
     if (!SetTransferOptions()) {
         return -1;
     }
+    SetLoopOptions();
 
-    CURLcode code = curl_easy_perform(curl_.get());
+    // The transfer runs on the transfer loop; this task is suspended, not its worker held,
+    // until the loop has finished with the handle and handed it back.
+    CURLcode code = TransferLoop::Perform(curl_.get()).get();
     if (code != CURLE_OK) {
         VORN_LOGI("Failed to access the server, code = %{public}d", static_cast<int>(code));
         return -1;
@@ -195,6 +199,21 @@ void HttpLogic::SetCaOptions()
         return;
     }
     (void)curl_easy_setopt(curl, CURLOPT_CAINFO, requestInfo_.caFile.c_str());
+}
+
+// What running on the shared multi handle adds, results ignored. Connections stay one per
+// transfer, as they were with one handle per transfer: libcurl would hand a kept connection to
+// any transfer with the same host and TLS option strings, and it does not compare the SSL
+// context callback that installs a cached CA store, so a connection verified against one CA
+// could serve a transfer that trusts another. For the same reason libcurl's own CA cache,
+// which belongs to the multi handle and knows a CA file only by its path, stays off: a CA file
+// is read afresh unless our own cache, which checks the file's version, holds it.
+void HttpLogic::SetLoopOptions()
+{
+    CURL *curl = curl_.get();
+    (void)curl_easy_setopt(curl, CURLOPT_FRESH_CONNECT, 1L);
+    (void)curl_easy_setopt(curl, CURLOPT_FORBID_REUSE, 1L);
+    (void)curl_easy_setopt(curl, CURLOPT_CA_CACHE_TIMEOUT, 0L);
 }
 
 void HttpLogic::SetupOtherCurlOptions() const

@@ -90,6 +90,7 @@ private:
     bool SetTransferOptions();
     bool PassesRawHeads() const;
     void SetCaOptions();
+    void SetLoopOptions();
 
     VornInitConfigParser::VornRequestInfo requestInfo_;
     std::string hostName_;
