@@ -27,6 +27,7 @@ set(VORN_SERVICE_SOURCES
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/vorn_metrics.cpp
 )
 set(VORN_SERVICE_INCLUDE_DIRS
+  ${CMAKE_CURRENT_LIST_DIR}/../interfaces/inner_api/include
   ${CMAKE_CURRENT_LIST_DIR}/../service
   ${CMAKE_CURRENT_LIST_DIR}/../config
   ${CMAKE_CURRENT_LIST_DIR}/../server_logic

@@ -94,7 +94,7 @@ TEST(VornRequestCallbackProxyTest, DeadCallbackIsOnlyLogged)
 
 TEST(VornRequestCallbackProxyTest, ConcurrentResponsesAllArrive)
 {
-    sptr<VornClient::ResponseRecorder> recorder = new VornClient::ResponseRecorder();
+    sptr<VornTest::ResponseRecorder> recorder = new VornTest::ResponseRecorder();
     sptr<IVornRequestCallback> callback = CallbackFor(recorder);
     ASSERT_NE(callback, nullptr);
     std::vector<std::string> expected;

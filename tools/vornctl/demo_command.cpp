@@ -20,7 +20,7 @@
 #include "exit_status.h"
 #include "ffrt_host.h"
 #include "i_vorn_sa_interface.h"
-#include "response_recorder.h"
+#include "response_collector.h"
 #include "service_session.h"
 
 namespace Vornctl {
@@ -133,7 +133,7 @@ void PrintSetUp(const DemoStage &stage, const std::string &libraryPath)
         libraryPath.c_str());
 }
 
-void PrintCall(const std::string &request, const VornClient::CallResult &call)
+void PrintCall(const std::string &request, const CallResult &call)
 {
     std::printf("The request carries no base URLs, so the service takes them from its server configuration:\n");
     std::printf("  %s\n", request.c_str());
@@ -221,15 +221,15 @@ bool SendDemoRequest(const DemoStage &stage, const std::string &libraryPath, con
         return false;
     }
     PrintSetUp(stage, libraryPath);
-    OHOS::sptr<VornClient::ResponseRecorder> recorder =
-        new VornClient::ResponseRecorder([arrivals](const std::string &text) { arrivals->Add(text); });
+    std::shared_ptr<ResponseCollector> collector =
+        ResponseCollector::Create([arrivals](const std::string &text) { arrivals->Add(text); });
     std::string request = RequestText(stage);
     Clock::time_point callStart = Clock::now();
-    VornClient::CallResult call = session->Request(HostPlatform::NativeCaller(static_cast<pid_t>(getuid())), request,
-        recorder->AsObject(), OHOS::Vorn::IVornSAInterface::GetDescriptor(),
+    CallResult call = session->Request(HostPlatform::NativeCaller(static_cast<pid_t>(getuid())), request,
+        collector->Callback(), OHOS::Vorn::IVornSAInterface::GetDescriptor(),
         static_cast<uint32_t>(OHOS::Vorn::VornInterfaceCode::GET_VORN_CONFIG_FROM_SERVER));
     PrintCall(request, call);
-    recorder->WaitForCount(EXPECTED_RESPONSES, RESPONSE_WAIT);
+    collector->WaitForCount(EXPECTED_RESPONSES, RESPONSE_WAIT);
     HostPlatform::FfrtWaitIdle(SETTLE_WAIT);
     std::filesystem::current_path(startFolder, ignored);
 
