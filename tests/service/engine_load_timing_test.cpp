@@ -14,7 +14,8 @@
 #include "hilog_host.h"
 #include "https_fixture.h"
 #include "log_lines.h"
-#include "response_recorder.h"
+#include "ipc_host.h"
+#include "vorn_request_callback_stub.h"
 #include "vorn_server_logic.h"
 #include "vorn_thread.h"
 
@@ -43,8 +44,8 @@ public:
     };
 
     TimedClient()
-        : recorder_(new VornClient::ResponseRecorder([this](const std::string &response) { Record(response); })),
-          callback_(recorder_->RemoteCallback())
+        : stub_(new OHOS::Vorn::VornRequestCallbackStub([this](const std::string &response) { Record(response); })),
+          callback_(OHOS::iface_cast<OHOS::Vorn::IVornRequestCallback>(HostPlatform::MakeRemoteProxy(stub_)))
     {
     }
 
@@ -102,7 +103,7 @@ private:
     std::vector<Arrival> arrivals_;
     Clock::time_point calledAt_ {};
     Clock::time_point returnedAt_ {};
-    OHOS::sptr<VornClient::ResponseRecorder> recorder_;
+    OHOS::sptr<OHOS::Vorn::VornRequestCallbackStub> stub_;
     OHOS::sptr<OHOS::Vorn::IVornRequestCallback> callback_;
     ffrt::future<int32_t> result_;
 };
