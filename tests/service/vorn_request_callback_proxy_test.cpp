@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "ipc_host.h"
 #include "ipc_types.h"
 #include "iremote_stub.h"
+#include "message_option.h"
 #include "response_recorder.h"
 #include "vorn_request_callback_proxy.h"
 
@@ -47,7 +49,7 @@ sptr<IVornRequestCallback> CallbackFor(const sptr<IRemoteObject> &stub)
 }
 } // namespace
 
-TEST(VornRequestCallbackProxyTest, SendsTheResponseAsOneSynchronousTransaction)
+TEST(VornRequestCallbackProxyTest, SendsTheResponseAsOneOneWayTransaction)
 {
     sptr<TransactionRecorder> recorder = new TransactionRecorder();
     sptr<IVornRequestCallback> callback = CallbackFor(recorder);
@@ -56,10 +58,11 @@ TEST(VornRequestCallbackProxyTest, SendsTheResponseAsOneSynchronousTransaction)
     HostPlatform::LogCapture capture;
     callback->OnResponse(R"({"code":200})");
     callback->OnResponse("");
+    ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(recorder, std::chrono::seconds(10)));
     ASSERT_EQ(recorder->transactions.size(), 2U);
     for (const Transaction &sent : recorder->transactions) {
         EXPECT_EQ(sent.code, 0U);
-        EXPECT_EQ(sent.flags, 0);
+        EXPECT_EQ(sent.flags, MessageOption::TF_ASYNC);
         EXPECT_EQ(sent.waitTime, 8);
         EXPECT_EQ(sent.token, u"OHOS.Vorn.IVornRequestCallback");
         EXPECT_EQ(sent.unreadBytes, 0U);
