@@ -5,11 +5,6 @@
 
 namespace OHOS {
 namespace Vorn {
-namespace {
-// The client gets eight seconds to take a response before the platform gives up on the call.
-constexpr int CALLBACK_WAIT_SECONDS = 8;
-} // namespace
-
 VornRequestCallbackProxy::VornRequestCallbackProxy(const sptr<IRemoteObject> &remote)
     : IRemoteProxy<IVornRequestCallback>(remote)
 {
@@ -28,7 +23,11 @@ void VornRequestCallbackProxy::OnResponse(const std::string &response)
 {
     MessageParcel data;
     MessageParcel reply;
-    MessageOption option(MessageOption::TF_SYNC, CALLBACK_WAIT_SECONDS);
+    // One-way: a synchronous call would hold the engine thread until the client returns from
+    // OnResponse or the platform gives up, so a few clients that never return could take every
+    // worker. The reply carries nothing the service reads, and the platform hands one object its
+    // one-way calls in the order sent, so a client sees exactly what a synchronous call gave it.
+    MessageOption option(MessageOption::TF_ASYNC);
     if (!WriteInterfaceToken(data)) {
         return;
     }

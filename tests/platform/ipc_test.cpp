@@ -1,8 +1,12 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
+#include <functional>
+#include <mutex>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -17,10 +21,12 @@
 #include "iremote_stub.h"
 #include "message_option.h"
 #include "message_parcel.h"
+#include "task_gate.h"
 
 namespace {
 using namespace OHOS;
 using HostPlatform::CallerIdentity;
+using namespace std::chrono_literals;
 
 constexpr uint32_t CODE_ECHO = 1;
 constexpr uint32_t CODE_WHO = 2;
@@ -327,5 +333,141 @@ TEST(IpcIdentityTest, StubActsAsItsOwnProcessWhenCallingOutOrAfterReset)
     EXPECT_EQ(resetReply.ReadInt32(), 20010046);
     std::string garbage = "not an identity";
     EXPECT_FALSE(IPCSkeleton::SetCallingIdentity(garbage));
+}
+
+// A callee that records the numbers it is sent, with the caller's uid and the handling thread;
+// a call carrying `blockOn` waits inside the stub until its gate opens.
+class NumberSink : public IPCObjectStub {
+public:
+    struct Entry {
+        int32_t number;
+        pid_t uid;
+        std::thread::id thread;
+    };
+
+    NumberSink() : IPCObjectStub(u"host.test.NumberSink") {}
+
+    int OnRemoteRequest(uint32_t, MessageParcel &data, MessageParcel &reply, MessageOption &) override
+    {
+        const int32_t number = data.ReadInt32();
+        if (number == blockOn) {
+            blocker();
+        }
+        std::lock_guard<std::mutex> lock(mutex_);
+        entries_.push_back({number, IPCSkeleton::GetCallingUid(), std::this_thread::get_id()});
+        reply.WriteInt32(number);
+        return ERR_NONE;
+    }
+
+    std::vector<Entry> Entries()
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        return entries_;
+    }
+
+    int32_t blockOn = -1;
+    std::function<void()> blocker;
+
+private:
+    std::mutex mutex_;
+    std::vector<Entry> entries_;
+};
+
+int Send(const sptr<IRemoteObject> &remote, int32_t number, int flags, MessageParcel &reply)
+{
+    MessageParcel data;
+    data.WriteInt32(number);
+    MessageOption option(flags);
+    return remote->SendRequest(1, data, reply, option);
+}
+
+std::vector<int32_t> Numbers(const std::vector<NumberSink::Entry> &entries)
+{
+    std::vector<int32_t> numbers;
+    for (const NumberSink::Entry &entry : entries) {
+        numbers.push_back(entry.number);
+    }
+    return numbers;
+}
+
+TEST(IpcOneWayTest, CallerNeverWaitsAndEachObjectGetsItsCallsInOrder)
+{
+    sptr<NumberSink> blocked = new NumberSink();
+    sptr<NumberSink> other = new NumberSink();
+    VornTest::TaskGate gate;
+    blocked->blockOn = 0;
+    blocked->blocker = gate.Blocker();
+    sptr<IRemoteObject> toBlocked = HostPlatform::MakeRemoteProxy(blocked);
+    sptr<IRemoteObject> toOther = HostPlatform::MakeRemoteProxy(other);
+    HostPlatform::ScopedCallerIdentity app(HostPlatform::AppCaller(20010047));
+
+    const int calls = 50;
+    for (int32_t i = 0; i < calls; i++) {
+        MessageParcel reply;
+        reply.WriteInt32(-7); // whatever the caller had in it is gone
+        ASSERT_EQ(Send(toBlocked, i, MessageOption::TF_ASYNC, reply), ERR_NONE);
+        EXPECT_EQ(reply.GetDataSize(), 0u);
+        ASSERT_EQ(Send(toOther, i, MessageOption::TF_ASYNC, reply), ERR_NONE);
+    }
+    ASSERT_TRUE(gate.WaitStarted(10s));
+
+    // The first call to one object blocks its later ones, but neither another object's one-way
+    // calls nor synchronous calls to the same object, which the callee serves on other threads.
+    ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(toOther, 10s));
+    std::vector<int32_t> expected;
+    for (int32_t i = 0; i < calls; i++) {
+        expected.push_back(i);
+    }
+    EXPECT_EQ(Numbers(other->Entries()), expected);
+    MessageParcel syncReply;
+    ASSERT_EQ(Send(toBlocked, 1000, MessageOption::TF_SYNC, syncReply), ERR_NONE);
+    EXPECT_EQ(syncReply.ReadInt32(), 1000);
+    EXPECT_FALSE(HostPlatform::WaitOneWayDelivered(toBlocked, 0ms));
+    EXPECT_EQ(Numbers(blocked->Entries()), std::vector<int32_t>{1000});
+
+    gate.Open();
+    ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(toBlocked, 10s));
+    const std::vector<NumberSink::Entry> entries = blocked->Entries();
+    expected.insert(expected.begin(), 1000);
+    EXPECT_EQ(Numbers(entries), expected);
+    for (const NumberSink::Entry &entry : entries) {
+        EXPECT_EQ(entry.uid, 20010047); // the sender's identity travels with each call
+        EXPECT_NE(entry.thread, std::this_thread::get_id());
+    }
+}
+
+TEST(IpcOneWayTest, DeadCalleeRefusesNewCallsAndNeverHandlesQueuedOnes)
+{
+    sptr<NumberSink> sink = new NumberSink();
+    VornTest::TaskGate gate;
+    sink->blockOn = 0;
+    sink->blocker = gate.Blocker();
+    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(sink);
+    MessageParcel reply;
+    ASSERT_EQ(Send(remote, 0, MessageOption::TF_ASYNC, reply), ERR_NONE);
+    ASSERT_EQ(Send(remote, 1, MessageOption::TF_ASYNC, reply), ERR_NONE);
+    ASSERT_TRUE(gate.WaitStarted(10s));
+
+    HostPlatform::MarkObjectDead(sink);
+    EXPECT_EQ(Send(remote, 2, MessageOption::TF_ASYNC, reply), ERR_DEAD_OBJECT);
+    gate.Open();
+    ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(remote, 10s));
+    EXPECT_EQ(Numbers(sink->Entries()), std::vector<int32_t>{0}); // it was already handling 0
+}
+
+// A callee that waits for its own earlier one-way calls would wait for itself.
+TEST(IpcOneWayTest, WaitingForDeliveryFromInsideTheCalleeReturnsAtOnce)
+{
+    sptr<NumberSink> sink = new NumberSink();
+    std::atomic<int> waited{-1};
+    sink->blockOn = 0;
+    sink->blocker = [&sink, &waited] {
+        waited = HostPlatform::WaitOneWayDelivered(sink, 10s) ? 1 : 0;
+    };
+    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(sink);
+    MessageParcel reply;
+    ASSERT_EQ(Send(remote, 0, MessageOption::TF_ASYNC, reply), ERR_NONE);
+    ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(remote, 10s));
+    EXPECT_EQ(waited, 0);
 }
 } // namespace

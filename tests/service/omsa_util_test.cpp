@@ -4,6 +4,9 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <future>
+#include <iostream>
+#include <set>
 #include <optional>
 #include <string>
 #include <thread>
@@ -182,5 +185,56 @@ TEST(OmsaSetUpTest, RetriedPerEventUntilAcceptedThenReportsInOrder)
     EXPECT_EQ(ServiceLines(logs, LOG_WARN, "OMSA report failed"), 1u);
     EXPECT_EQ(omsa.Calls("SetConfigOptions").size(), 4u);
     EXPECT_EQ(omsa.Calls("OnEvent").size(), static_cast<size_t>(events + 1));
+}
+
+// Many clients' first events at once: some take the set-up lock, the others find the set-up done
+// and post straight to the executor it made. Returns what went wrong, or nothing.
+std::string RaceEventsAgainstTheSetUp()
+{
+    constexpr int THREADS = 16;
+    constexpr int EVENTS_PER_THREAD = 25;
+    DeviceRoot root;
+    root.WriteConfig(R"({"collect_url":")" + COLLECT_URL + R"("})");
+    VornTest::OmsaLog omsa;
+    std::promise<void> go;
+    std::shared_future<void> started = go.get_future().share();
+    std::vector<std::thread> clients;
+    for (int t = 0; t < THREADS; t++) {
+        clients.emplace_back([started, t] {
+            started.wait();
+            for (int i = 0; i < EVENTS_PER_THREAD; i++) {
+                OMSAUtil::OnOmsaEvent(std::to_string(t) + "." + std::to_string(i), R"({"k":"v"})");
+            }
+        });
+    }
+    go.set_value();
+    for (std::thread &client : clients) {
+        client.join();
+    }
+    if (!HostPlatform::EventRunnersWaitIdle(30s)) {
+        return "reports still pending";
+    }
+    std::set<std::string> ids;
+    for (const auto &report : omsa.Calls("OnEvent")) {
+        ids.insert(report["eventId"].get<std::string>());
+    }
+    if (ids.size() != static_cast<size_t>(THREADS * EVENTS_PER_THREAD)) {
+        return std::to_string(ids.size()) + " distinct events reported";
+    }
+    const size_t setups = omsa.Calls("SetConfigOptions").size();
+    return setups == 1 ? "" : std::to_string(setups) + " set-ups";
+}
+
+// The race needs analytics that were never set up, so it runs in a fresh process of its own.
+TEST(OmsaSetUpDeathTest, EventsFromManyThreadsRacingTheSetUpAllArrive)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            const std::string problem = RaceEventsAgainstTheSetUp();
+            std::cerr << (problem.empty() ? "all events arrived" : problem) << std::endl;
+            std::exit(problem.empty() ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "all events arrived");
 }
 } // namespace

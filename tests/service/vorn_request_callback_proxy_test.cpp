@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "ipc_types.h"
 #include "iremote_stub.h"
 #include "callback_parcel_limit.h"
+#include "message_option.h"
 #include "response_recorder.h"
 #include "vorn_request_callback_proxy.h"
 
@@ -48,7 +50,7 @@ sptr<IVornRequestCallback> CallbackFor(const sptr<IRemoteObject> &stub)
 }
 } // namespace
 
-TEST(VornRequestCallbackProxyTest, SendsTheResponseAsOneSynchronousTransaction)
+TEST(VornRequestCallbackProxyTest, SendsTheResponseAsOneOneWayTransaction)
 {
     sptr<TransactionRecorder> recorder = new TransactionRecorder();
     sptr<IVornRequestCallback> callback = CallbackFor(recorder);
@@ -57,10 +59,11 @@ TEST(VornRequestCallbackProxyTest, SendsTheResponseAsOneSynchronousTransaction)
     HostPlatform::LogCapture capture;
     callback->OnResponse(R"({"code":200})");
     callback->OnResponse("");
+    ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(recorder, std::chrono::seconds(10)));
     ASSERT_EQ(recorder->transactions.size(), 2U);
     for (const Transaction &sent : recorder->transactions) {
         EXPECT_EQ(sent.code, 0U);
-        EXPECT_EQ(sent.flags, 0);
+        EXPECT_EQ(sent.flags, MessageOption::TF_ASYNC);
         EXPECT_EQ(sent.waitTime, 8);
         EXPECT_EQ(sent.token, u"OHOS.Vorn.IVornRequestCallback");
         EXPECT_EQ(sent.unreadBytes, 0U);

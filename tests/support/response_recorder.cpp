@@ -2,6 +2,12 @@
 
 #include "ipc_host.h"
 
+namespace {
+// The service answers with one-way calls; what it sent before Responses() or Count() was asked
+// is counted once the platform has handed it over, which normally takes microseconds.
+constexpr std::chrono::seconds DELIVERY_WAIT{30};
+} // namespace
+
 namespace VornTest {
 void ResponseRecorder::OnResponse(const std::string &response)
 {
@@ -17,14 +23,21 @@ OHOS::sptr<OHOS::Vorn::IVornRequestCallback> ResponseRecorder::RemoteCallback()
     return OHOS::iface_cast<OHOS::Vorn::IVornRequestCallback>(HostPlatform::MakeRemoteProxy(AsObject()));
 }
 
+void ResponseRecorder::AwaitSentResponses() const
+{
+    HostPlatform::WaitOneWayDelivered(const_cast<ResponseRecorder *>(this)->AsObject(), DELIVERY_WAIT);
+}
+
 std::vector<std::string> ResponseRecorder::Responses() const
 {
+    AwaitSentResponses();
     std::lock_guard<std::mutex> lock(mutex_);
     return responses_;
 }
 
 size_t ResponseRecorder::Count() const
 {
+    AwaitSentResponses();
     std::lock_guard<std::mutex> lock(mutex_);
     return responses_.size();
 }

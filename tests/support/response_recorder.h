@@ -23,12 +23,15 @@ public:
     // reached through the platform's broker registry.
     OHOS::sptr<OHOS::Vorn::IVornRequestCallback> RemoteCallback();
 
+    // What arrived, counting every response already sent to this object.
     std::vector<std::string> Responses() const;
     size_t Count() const;
     // Waits until at least `count` responses arrived or the timeout passed.
     bool WaitForCount(size_t count, std::chrono::milliseconds timeout) const;
 
 private:
+    void AwaitSentResponses() const;
+
     mutable std::mutex mutex_;
     mutable std::condition_variable arrived_;
     std::vector<std::string> responses_;

@@ -31,28 +31,25 @@ constexpr const char *PACKAGE_NAME = "com.velmor.zul.networksdk";
 constexpr const char *KIT_UID_KEY = "kitUid";
 
 const std::string SERVICE_TAG = "vorn_service";
+// Set with release once the set-up succeeded, read with acquire: whoever sees it set also sees
+// the report executor made before it.
 std::atomic<bool> g_inited{false};
 std::mutex g_setupLock;
-// Set once under the set-up lock; read without it on IPC threads, hence the atomic access.
+// Written only under the set-up lock and never after g_inited is set; read outside the lock
+// only after g_inited was seen set.
 std::shared_ptr<AsyncTaskExecutor> g_reportExecutor;
-
-std::shared_ptr<AsyncTaskExecutor> ReportExecutor()
-{
-    return std::atomic_load(&g_reportExecutor);
-}
 } // namespace
 
 int32_t OMSAUtil::Init()
 {
     VORN_LOGI("OmsaUtil Init enter");
     std::lock_guard<std::mutex> lock(g_setupLock);
-    if (g_inited.load(std::memory_order_relaxed)) {
+    if (g_inited.load(std::memory_order_relaxed)) { // the lock orders this read
         VORN_LOGI("OmsaUtil Init already inited.");
         return 0;
     }
-    if (ReportExecutor() == nullptr) {
-        std::atomic_store(&g_reportExecutor, std::shared_ptr<AsyncTaskExecutor>(
-            std::make_shared<EventHandlerExecutor>(true)));
+    if (g_reportExecutor == nullptr) {
+        g_reportExecutor = std::make_shared<EventHandlerExecutor>(true);
     }
     auto typeConfig = std::make_shared<TypeConfigLite>();
     typeConfig->collectUrl = GetCollectUrl();
@@ -69,7 +66,7 @@ int32_t OMSAUtil::Init()
         return code;
     }
     VORN_LOGI("OmsaClientLiteApi::SetConfigOptions success");
-    g_inited.store(true, std::memory_order_relaxed);
+    g_inited.store(true, std::memory_order_release);
     return 0;
 }
 
@@ -102,7 +99,7 @@ std::string OMSAUtil::GetCollectUrl()
 
 void OMSAUtil::OnOmsaEvent(std::string eventId, std::string content)
 {
-    if (!g_inited.load(std::memory_order_relaxed) && Init() != 0) {
+    if (!g_inited.load(std::memory_order_acquire) && Init() != 0) {
         VORN_LOGW("OMSAUtil::OnOmsaEvent, not inited.");
         VornMetrics::Add(VornMetrics::Counter::EVENTS_DROPPED);
         return;
@@ -113,14 +110,14 @@ void OMSAUtil::OnOmsaEvent(std::string eventId, std::string content)
     VORN_LOGI("OmsaClientCoreInnerApi OnOmsaEvent, eventid:%{public}s, content:%{private}s, kvCount:%{public}lu",
         eventId.c_str(), content.c_str(), static_cast<unsigned long>(eventData.size()));
     // The executor exists: it is created before the set-up can succeed and is never dropped.
-    ReportExecutor()->PostTaskDelay([eventId = std::move(eventId), eventData = std::move(eventData)]() {
+    g_reportExecutor->PostTaskDelay([eventId = std::move(eventId), eventData = std::move(eventData)]() {
         OnEvent(eventId, eventData);
     }, "", 0);
 }
 
 void OMSAUtil::OnEvent(std::string eventId, std::unordered_map<std::string, std::string> eventData)
 {
-    if (!g_inited.load(std::memory_order_relaxed)) {
+    if (!g_inited.load(std::memory_order_acquire)) {
         VORN_LOGW("OnEvent OMSA not inited");
         VornMetrics::Add(VornMetrics::Counter::EVENTS_DROPPED);
         return;

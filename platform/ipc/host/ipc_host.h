@@ -7,6 +7,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 
@@ -49,6 +50,12 @@ void MarkObjectDead(const OHOS::sptr<OHOS::IRemoteObject> &object);
 // What another process would hold for `object`: a new proxy to the stub (or to the stub behind
 // a proxy). Objects that are neither come back unchanged.
 OHOS::sptr<OHOS::IRemoteObject> MakeRemoteProxy(const OHOS::sptr<OHOS::IRemoteObject> &object);
+
+// Waits until the one-way calls sent so far to `object` (a stub, or the stub behind a proxy)
+// have all been handled, or the timeout passed; returns whether they have. Lets a test look at
+// what a callee received without guessing how long delivery takes. False at once when called
+// while handling a one-way call to that same object.
+bool WaitOneWayDelivered(const OHOS::sptr<OHOS::IRemoteObject> &object, std::chrono::milliseconds timeout);
 } // namespace HostPlatform
 
 #endif // HOST_PLATFORM_IPC_HOST_H

@@ -13,7 +13,13 @@ class IPCObjectStub;
 
 // What a process holds for an object that lives in another process. On the host the "other
 // process" is a stub in this one: a transaction copies the parcels as the driver would and
-// runs the stub on the calling thread under the caller's identity.
+// runs the stub on a thread standing for the callee's IPC thread, under the caller's identity.
+// - Synchronous calls wait for the reply at most the option's wait time (seconds). Past it the
+//   caller gets RPC_BASE_INVOKER_WAIT_REPLY_ERR, the invoker's "no reply in time" code, and an
+//   empty reply; the callee carries on and its late reply is dropped.
+// - One-way calls (TF_ASYNC) return ERR_NONE and an empty reply at once. The callee handles
+//   them later, one at a time and in order per target object; one that blocks delays only the
+//   later one-way calls to that same object.
 class IPCObjectProxy : public IRemoteObject {
 public:
     ~IPCObjectProxy() override;

@@ -60,6 +60,9 @@ enum {
     IPC_STUB_REMOVE_SESSION_NAME_ERR,
     IPC_INVOKER_ERR = 400,
     RPC_BASE_INVOKER_ERR = 500,
+    RPC_BASE_INVOKER_INVALID_REPLY_ERR,
+    // No reply within the option's wait time: the caller gives up, the callee goes on.
+    RPC_BASE_INVOKER_WAIT_REPLY_ERR,
     DBINDER_SERVICE_ERR = 700,
 };
 

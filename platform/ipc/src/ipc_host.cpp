@@ -4,6 +4,7 @@
 
 #include "ipc_host_access.h"
 #include "ipc_thread_context.h"
+#include "one_way_delivery.h"
 
 namespace HostPlatform {
 namespace {
@@ -67,5 +68,11 @@ void MarkObjectDead(const OHOS::sptr<OHOS::IRemoteObject> &object)
 OHOS::sptr<OHOS::IRemoteObject> MakeRemoteProxy(const OHOS::sptr<OHOS::IRemoteObject> &object)
 {
     return OHOS::IpcHostAccess::RemoteView(object);
+}
+
+bool WaitOneWayDelivered(const OHOS::sptr<OHOS::IRemoteObject> &object, std::chrono::milliseconds timeout)
+{
+    OHOS::sptr<OHOS::IPCObjectStub> target = OHOS::IpcHostAccess::TargetOf(object);
+    return target == nullptr || OHOS::OneWayDelivery::Get().WaitDelivered(target.GetRefPtr(), timeout);
 }
 } // namespace HostPlatform

@@ -1,12 +1,11 @@
 #include "ipc_object_proxy.h"
 
-#include <algorithm>
-
 #include "errors.h"
 #include "ipc_host_access.h"
 #include "ipc_object_stub.h"
-#include "ipc_thread_context.h"
 #include "ipc_types.h"
+#include "one_way_delivery.h"
+#include "synchronous_call.h"
 
 namespace OHOS {
 IPCObjectProxy::IPCObjectProxy(const sptr<IPCObjectStub> &target)
@@ -30,31 +29,20 @@ int IPCObjectProxy::SendRequest(uint32_t code, MessageParcel &data, MessageParce
     return SendRequestInner(code, data, reply, option);
 }
 
-// Every transaction is synchronous on the host, TF_ASYNC included: the stub runs on this
-// thread and its reply is copied back before returning. The stub gets its own copies of the
-// parcels, as it would in its own process, and sees this thread's outgoing identity as caller.
 int IPCObjectProxy::SendRequestInner(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option)
 {
     if (IsObjectDead()) {
         return ERR_DEAD_OBJECT;
     }
-    MessageParcel stubData;
-    stubData.SetMaxCapacity(std::max(stubData.GetMaxCapacity(), data.GetDataSize()));
-    if (!stubData.Append(data)) {
+    std::unique_ptr<IpcTransaction> transaction = IpcTransaction::Make(target_, code, data, option);
+    if (transaction == nullptr) {
         return IPC_PROXY_WRITE_PARCEL_ERR;
     }
-    MessageParcel stubReply;
-    int result = ERR_NONE;
-    {
-        IpcThreadContext::DispatchScope scope(IpcThreadContext::Outgoing());
-        result = target_->SendRequest(code, stubData, stubReply, option);
-    }
     reply.Reset();
-    reply.SetMaxCapacity(std::max(reply.GetMaxCapacity(), stubReply.GetDataSize()));
-    if (!reply.Append(stubReply)) {
-        return ERR_INVALID_REPLY;
+    if ((static_cast<uint32_t>(option.GetFlags()) & MessageOption::TF_ASYNC) != 0) {
+        return OneWayDelivery::Get().Post(std::move(transaction));
     }
-    return result;
+    return SynchronousCall::Send(std::move(transaction), reply, option.GetWaitTime());
 }
 
 bool IPCObjectProxy::IsObjectDead() const
