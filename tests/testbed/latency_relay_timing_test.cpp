@@ -4,6 +4,7 @@
 #include <sys/time.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdint>
 #include <cstring>
@@ -25,6 +26,7 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 constexpr double TOLERANCE = 0.10;
+constexpr double THREAD_START_ALLOWANCE_MS = 25;
 
 double MillisecondsSince(Clock::time_point start)
 {
@@ -62,6 +64,14 @@ bool ReadsEnd(int fd)
 {
     char byte = 0;
     return ::recv(fd, &byte, 1, 0) == 0;
+}
+
+// True when the connection is over: an end of stream or a reset, not a read timing out.
+bool ReadsClosed(int fd)
+{
+    char byte = 0;
+    ssize_t received = ::recv(fd, &byte, 1, 0);
+    return received == 0 || (received < 0 && errno != EAGAIN && errno != EWOULDBLOCK);
 }
 
 double Median(std::vector<double> values)
@@ -130,13 +140,19 @@ TEST_P(LatencyRelayRttTest, RoundTripTakesOneRttAndConnectingOneMore)
     ASSERT_TRUE(client.Valid());
     ASSERT_TRUE(SendAll(client.Get(), "p", 1));
     ASSERT_EQ(ReadExactly(client.Get(), 1), "p");
-    EXPECT_NEAR(MillisecondsSince(connectStart), 2 * rtt, 2 * rtt * TOLERANCE) << "handshake plus one round trip";
+    const double firstExchange = MillisecondsSince(connectStart);
 
     std::vector<double> trips;
     for (int i = 0; i < 5; ++i) {
         trips.push_back(RoundTripMs(client.Get()));
     }
     EXPECT_NEAR(Median(trips), rtt, rtt * TOLERANCE);
+    // The handshake adds one round trip. A new connection also starts a thread in the relay and
+    // one in the server, which on a busy machine takes milliseconds: only the upper bound allows
+    // for that.
+    const double handshake = firstExchange - Median(trips);
+    EXPECT_GE(handshake, rtt * (1 - TOLERANCE));
+    EXPECT_LE(handshake, rtt * (1 + TOLERANCE) + THREAD_START_ALLOWANCE_MS);
     EXPECT_GE(*std::min_element(trips.begin(), trips.end()), rtt * (1 - TOLERANCE));
     EXPECT_EQ(relay_->Connections(), 1U);
 }
@@ -219,7 +235,7 @@ TEST_F(LatencyRelayTest, StopEndsConnectionsWithDataInFlight)
     const Clock::time_point start = Clock::now();
     relay_->Stop();
     EXPECT_LT(MillisecondsSince(start), 1000.0);
-    EXPECT_TRUE(ReadsEnd(client.Get())) << "the held bytes are dropped, the client's socket closed";
+    EXPECT_TRUE(ReadsClosed(client.Get())) << "the held bytes are dropped, the client's socket closed";
 }
 
 TEST_F(LatencyRelayTest, HttpsThroughTheRelayStillVerifies)

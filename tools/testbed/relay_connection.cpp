@@ -10,7 +10,7 @@ namespace VornTestbed {
 namespace {
 constexpr size_t READ_CHUNK = 16 * 1024;
 // Poll wakes at least this often to notice a stop even while no socket is watched.
-constexpr int MAX_POLL_MS = 50;
+constexpr std::chrono::milliseconds MAX_POLL_WAIT(50);
 
 // The client's connect() returns at once on loopback, where a real one takes a round trip; so
 // its first bytes leave one RTT after the accept, as they would once the handshake was done.
@@ -58,19 +58,20 @@ short RelayConnection::Events(const DelayedPipe& input, bool outputBlocked)
     return events;
 }
 
-int RelayConnection::PollTimeoutMs(Clock::time_point now) const
+timespec RelayConnection::PollTimeout(Clock::time_point now) const
 {
-    int timeout = MAX_POLL_MS;
+    Clock::duration wait = MAX_POLL_WAIT;
     for (const DelayedPipe* pipe : {&toServer_, &toClient_}) {
         std::optional<Clock::time_point> due = pipe->NextDue();
-        if (!due) {
-            continue;
+        if (due) {
+            wait = std::min(wait, std::max(*due - now, Clock::duration::zero()));
         }
-        // Rounded up, so a wake-up never comes early and spins.
-        auto wait = std::chrono::ceil<std::chrono::milliseconds>(*due - now).count();
-        timeout = std::min(timeout, static_cast<int>(std::max<decltype(wait)>(wait, 0)));
     }
-    return timeout;
+    // Finer than poll's milliseconds: a delay rounded up at every hop would add up.
+    const auto nanoseconds = std::chrono::duration_cast<std::chrono::nanoseconds>(wait).count();
+    constexpr long NANOSECONDS_PER_SECOND = 1000000000L;
+    return {static_cast<time_t>(nanoseconds / NANOSECONDS_PER_SECOND),
+        static_cast<long>(nanoseconds % NANOSECONDS_PER_SECOND)};
 }
 
 void RelayConnection::Run(const std::atomic<bool>& stopping)
@@ -94,7 +95,8 @@ void RelayConnection::Run(const std::atomic<bool>& stopping)
         const short serverEvents = Events(toClient_, serverBlocked_);
         pollfd entries[2] = {{clientEvents != 0 ? clientFd_ : -1, clientEvents, 0},
             {serverEvents != 0 ? upstreamFd : -1, serverEvents, 0}};
-        int ready = ::poll(entries, 2, PollTimeoutMs(now));
+        const timespec timeout = PollTimeout(now);
+        int ready = ::ppoll(entries, 2, &timeout, nullptr);
         if (ready < 0 && errno != EINTR) {
             return;
         }

@@ -1,6 +1,8 @@
 #ifndef VORN_TESTBED_RELAY_CONNECTION_H
 #define VORN_TESTBED_RELAY_CONNECTION_H
 
+#include <time.h>
+
 #include <atomic>
 #include <chrono>
 #include <cstddef>
@@ -29,7 +31,7 @@ private:
     // Reads what `from` has into `pipe`; false when the socket failed.
     static bool Read(int from, DelayedPipe& pipe);
     static short Events(const DelayedPipe& input, bool outputBlocked);
-    int PollTimeoutMs(Clock::time_point now) const;
+    timespec PollTimeout(Clock::time_point now) const;
 
     int clientFd_;
     UniqueFd upstream_;
