@@ -194,6 +194,24 @@ TEST_F(LatencyRelayTest, BandwidthLimitHolds)
     EXPECT_TRUE(ReadsEnd(client.Get())) << "the server's close reaches the client";
 }
 
+TEST_F(LatencyRelayTest, ReaderThatFallsBehindLosesNothing)
+{
+    // More than the sockets buffer: the relay must wait for the reader, not drop or spin.
+    constexpr size_t size = 8 * 1024 * 1024;
+    StartSource(size);
+    StartRelay(10ms);
+    UniqueFd client = ConnectWithTimeout(relay_->Port());
+    ASSERT_TRUE(client.Valid());
+    ASSERT_TRUE(SendAll(client.Get(), "g", 1));
+    std::string received;
+    char buffer[1024];
+    for (ssize_t got; (got = ::recv(client.Get(), buffer, sizeof(buffer), 0)) > 0;) {
+        received.append(buffer, static_cast<size_t>(got));
+    }
+    EXPECT_EQ(received.size(), size);
+    EXPECT_EQ(received.find_first_not_of('x'), std::string::npos);
+}
+
 TEST_F(LatencyRelayTest, EndOfStreamTravelsBothWays)
 {
     StartEcho();

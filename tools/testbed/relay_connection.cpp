@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace VornTestbed {
 namespace {
@@ -61,9 +62,11 @@ short RelayConnection::Events(const DelayedPipe& input, bool outputBlocked)
 timespec RelayConnection::PollTimeout(Clock::time_point now) const
 {
     Clock::duration wait = MAX_POLL_WAIT;
-    for (const DelayedPipe* pipe : {&toServer_, &toClient_}) {
+    // A blocked pipe's chunk is overdue already; its socket's POLLOUT wakes the loop instead.
+    const std::pair<const DelayedPipe*, bool> pipes[] = {{&toServer_, serverBlocked_}, {&toClient_, clientBlocked_}};
+    for (const auto& [pipe, blocked] : pipes) {
         std::optional<Clock::time_point> due = pipe->NextDue();
-        if (due) {
+        if (due && !blocked) {
             wait = std::min(wait, std::max(*due - now, Clock::duration::zero()));
         }
     }
