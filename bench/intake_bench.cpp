@@ -2,6 +2,7 @@
 // call to its return. Each call sets off a real request against a local HTTPS server that
 // answers at once; that work runs on the service's pools and is not timed, and the benchmark
 // lets it drain every BATCH calls so that it never piles up.
+#include <atomic>
 #include <chrono>
 #include <optional>
 #include <string>
@@ -18,7 +19,7 @@
 #include "local_https_server.h"
 #include "message_option.h"
 #include "message_parcel.h"
-#include "response_recorder.h"
+#include "vorn_request_callback_stub.h"
 #include "temp_dir.h"
 #include "vorn_sa_stub.h"
 
@@ -70,8 +71,10 @@ void BM_RequestIntake(benchmark::State &state)
         return;
     }
     auto stub = OHOS::sptr<OHOS::Vorn::VornSAStub>::MakeSptr();
-    auto recorder = OHOS::sptr<VornClient::ResponseRecorder>::MakeSptr();
-    OHOS::sptr<OHOS::IRemoteObject> callback = HostPlatform::MakeRemoteProxy(recorder);
+    auto responses = std::make_shared<std::atomic<size_t>>(0);
+    auto recorder = OHOS::sptr<OHOS::Vorn::VornRequestCallbackStub>::MakeSptr(
+        [responses](const std::string &) { responses->fetch_add(1, std::memory_order_relaxed); });
+    OHOS::sptr<OHOS::IRemoteObject> callback = HostPlatform::MakeRemoteProxy(recorder->AsObject());
     const std::string request = ToRequestJson(MakeBenchRequest(1), server.BaseUrl(), files->caFile);
 
     // The first calls create the pools and initialise libcurl; those one-off costs stay out.
@@ -113,7 +116,7 @@ void BM_RequestIntake(benchmark::State &state)
     state.counters["request_bytes"] = static_cast<double>(request.size());
     // Every call must have been answered by the background work, or the numbers mean little.
     state.counters["unanswered"] =
-        static_cast<double>(static_cast<size_t>(WARM_UP_CALLS) + micros.size() - recorder->Count());
+        static_cast<double>(static_cast<size_t>(WARM_UP_CALLS) + micros.size() - responses->load(std::memory_order_relaxed));
 }
 // Batch 1: every call meets an idle service; 8 and 64: calls overlap the work of the calls before.
 BENCHMARK(BM_RequestIntake)->ArgName("batch")->Arg(1)->Arg(8)->Arg(64)->UseManualTime()->Iterations(ITERATIONS)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -14,8 +15,8 @@
 #include "iservice_registry.h"
 #include "local_ability_manager_host.h"
 #include "process_probe.h"
-#include "response_recorder.h"
-#include "service_client.h"
+#include "vorn_request_callback_stub.h"
+#include "vorn_sa_proxy.h"
 #include "vorn_sa.h"
 
 namespace VornBench {
@@ -39,6 +40,14 @@ bool IsHttpOk(const std::string &response)
 {
     return response.find("\"code\":200,") != std::string::npos;
 }
+
+// The first response of one request and when it came.
+struct FirstResponse {
+    std::mutex mutex;
+    std::condition_variable arrived;
+    std::optional<Clock::time_point> at;
+    bool ok = false;
+};
 
 double Milliseconds(Clock::duration duration)
 {
@@ -78,7 +87,7 @@ OHOS::sptr<OHOS::IRemoteObject> ServiceLoad::StartService(std::string &error)
 }
 
 ServiceLoad::ServiceLoad(OHOS::sptr<OHOS::IRemoteObject> service, LoadTarget target)
-    : client_(std::move(service)), target_(std::move(target)), requests_(target_.baseUrl, target_.caFile)
+    : service_(OHOS::iface_cast<OHOS::Vorn::IVornSAInterface>(service)), target_(std::move(target)), requests_(target_.baseUrl, target_.caFile)
 {
 }
 
@@ -150,27 +159,29 @@ ServiceLoad::Outcome ServiceLoad::Drive(size_t requests, size_t concurrency) con
 ServiceLoad::Call ServiceLoad::CallOnce(size_t index) const
 {
     const std::string request = requests_.For(index);
-    // Written by the callback under the recorder's lock, read after WaitForCount took that lock;
-    // shared, since a request given up on may still be answered later.
-    auto firstAt = std::make_shared<std::optional<Clock::time_point>>();
-    auto recorder = OHOS::sptr<VornClient::ResponseRecorder>::MakeSptr([firstAt](const std::string &) {
-        if (!*firstAt) {
-            *firstAt = Clock::now();
+    // Shared with the callback, since a request given up on may still be answered later.
+    auto first = std::make_shared<FirstResponse>();
+    auto callback = OHOS::sptr<OHOS::Vorn::VornRequestCallbackStub>::MakeSptr([first](const std::string &response) {
+        std::lock_guard<std::mutex> lock(first->mutex);
+        if (!first->at) {
+            first->at = Clock::now();
+            first->ok = IsHttpOk(response);
         }
+        first->arrived.notify_all();
     });
     Call call;
     call.calledAt = Clock::now();
-    VornClient::CallResult result = client_.Request(request, recorder);
-    if (result.result != 0 || result.reply.value_or(-1) != 0) {
+    if (service_ == nullptr || service_->PostVornRequest(request, callback) != 0) {
         call.answered = true;  // refused at once: answered, but not served
         return call;
     }
-    if (!recorder->WaitForCount(1, SILENCE_LIMIT)) {
+    std::unique_lock<std::mutex> lock(first->mutex);
+    if (!first->arrived.wait_for(lock, SILENCE_LIMIT, [&first]() { return first->at.has_value(); })) {
         return call;
     }
     call.answered = true;
-    call.ok = IsHttpOk(recorder->Responses().front());
-    call.latency = **firstAt - call.calledAt;
+    call.ok = first->ok;
+    call.latency = *first->at - call.calledAt;
     return call;
 }
 

@@ -3,15 +3,15 @@
 
 #include <string>
 
+#include "i_vorn_sa_interface.h"
 #include "iremote_object.h"
 #include "load_target.h"
 #include "request_template.h"
 #include "run_result.h"
-#include "service_client.h"
 
 namespace VornBench {
 // Sends requests through the whole service of this process, as client processes would: the
-// code-1 transaction on the service's remote object, one callback object per request, and the
+// code-1 transaction through the client kit's proxy of the service, one callback object per request, and the
 // time from the call to the first response that callback receives. `concurrency` client
 // threads each send a request and wait for its answer before sending the next.
 class ServiceLoad {
@@ -29,7 +29,7 @@ private:
     Call CallOnce(size_t index) const;
     static void SettleToIdle();
 
-    VornClient::ServiceClient client_;
+    OHOS::sptr<OHOS::Vorn::IVornSAInterface> service_;
     LoadTarget target_;
     RequestTemplate requests_;
 };

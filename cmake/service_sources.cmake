@@ -13,16 +13,21 @@ set(VORN_SERVICE_SOURCES
   ${CMAKE_CURRENT_LIST_DIR}/../http/ca_store_cache.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../http/cached_ca_store.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../http/curl_share.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../http/response_size_guard.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../http/transfer_loop.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_request_callback_proxy.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_sa.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_dumper.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_sa_stub.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../server_logic/vorn_server_logic.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/vorn_thread.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/ffrt_executor.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/event_handler_executor.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/omsa_util.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../utils/src/vorn_metrics.cpp
 )
 set(VORN_SERVICE_INCLUDE_DIRS
+  ${CMAKE_CURRENT_LIST_DIR}/../interfaces/inner_api/include
   ${CMAKE_CURRENT_LIST_DIR}/../service
   ${CMAKE_CURRENT_LIST_DIR}/../config
   ${CMAKE_CURRENT_LIST_DIR}/../server_logic

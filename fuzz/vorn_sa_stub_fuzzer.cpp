@@ -28,7 +28,7 @@
 #include "ipc_host.h"
 #include "message_option.h"
 #include "message_parcel.h"
-#include "response_recorder.h"
+#include "vorn_request_callback_stub.h"
 #include "vorn_sa.h"
 #include "vorn_sa_id.h"
 
@@ -155,7 +155,7 @@ void WriteToken(MessageParcel &data, Token token, FuzzedDataProvider &provider)
     }
 }
 
-void WriteCallback(MessageParcel &data, Callback callback, const sptr<VornClient::ResponseRecorder> &recorder)
+void WriteCallback(MessageParcel &data, Callback callback, const sptr<OHOS::Vorn::VornRequestCallbackStub> &recorder)
 {
     switch (callback) {
         case Callback::REMOTE_PROXY:
@@ -221,7 +221,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const Route route = Choose<Route>(provider);
     const size_t urlCount = provider.ConsumeIntegralInRange<size_t>(1, 3);
 
-    sptr<VornClient::ResponseRecorder> recorder = new VornClient::ResponseRecorder();
+    sptr<OHOS::Vorn::VornRequestCallbackStub> recorder = new OHOS::Vorn::VornRequestCallbackStub();
     MessageParcel request;
     WriteToken(request, token, provider);
     // An event carries no object; the valid choice leaves it out there.

@@ -13,6 +13,7 @@
 #include "http_proxy.h"
 #include "net_conn_client.h"
 #include "string_utils.h"
+#include "transfer_loop.h"
 #include "vorn_log.h"
 
 namespace OHOS {
@@ -35,6 +36,12 @@ bool EnvironmentNamesHttpsProxy()
         }
     }
     return false;
+}
+
+HttpLogic::ProtocolSetters SettersFor(CURL *curl)
+{
+    return {[curl](CURLoption option, const char *names) { return curl_easy_setopt(curl, option, names); },
+        [curl](CURLoption option, long bitmask) { return curl_easy_setopt(curl, option, bitmask); }};
 }
 } // namespace
 
@@ -103,9 +110,14 @@ long HttpLogic::PostHttpsRequest()
         !SetRequiredOption(CURLOPT_POSTFIELDS, postBody_.c_str(), "CURLOPT_POSTFIELDS Failed code = %{public}d")) {
         return -1;
     }
-    SetTransferOptions();
+    if (!SetTransferOptions()) {
+        return -1;
+    }
+    SetLoopOptions();
 
-    CURLcode code = curl_easy_perform(curl_.get());
+    // The transfer runs on the transfer loop; this task is suspended, not its worker held,
+    // until the loop has finished with the handle and handed it back.
+    CURLcode code = TransferLoop::Perform(curl_.get()).get();
     if (code != CURLE_OK) {
         VORN_LOGI("Failed to access the server, code = %{public}d", static_cast<int>(code));
         return -1;
@@ -119,22 +131,24 @@ long HttpLogic::PostHttpsRequest()
     return status;
 }
 
-// Options whose failure does not stop the transfer: libcurl keeps its default for them.
-void HttpLogic::SetTransferOptions()
+// Options whose failure does not stop the transfer: libcurl keeps its default for them. The
+// HTTPS restriction is the exception, as libcurl's default allows every protocol.
+bool HttpLogic::SetTransferOptions()
 {
     CURL *curl = curl_.get();
     (void)curl_easy_setopt(curl, CURLOPT_POST, 1L);
     (void)curl_easy_setopt(curl, CURLOPT_READFUNCTION, nullptr);
-    (void)curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, OnWriteData);
-    (void)curl_easy_setopt(curl, CURLOPT_HEADERDATA, &responseHeads_);
-    (void)curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, OnWriteData);
-    (void)curl_easy_setopt(curl, CURLOPT_WRITEDATA, &responseBody_);
+    (void)curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, OnWriteHead);
+    (void)curl_easy_setopt(curl, CURLOPT_HEADERDATA, this);
+    (void)curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, OnWriteBody);
+    (void)curl_easy_setopt(curl, CURLOPT_WRITEDATA, this);
     (void)curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
     (void)curl_easy_setopt(curl, CURLOPT_HTTPAUTH, CURLAUTH_ANY);
     // HTTPS only, also after a redirect: a client must not make the service read file:// URLs
     // or fall back to plain HTTP.
-    (void)curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, ALLOWED_PROTOCOLS);
-    (void)curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, ALLOWED_PROTOCOLS);
+    if (!RestrictToHttps(SettersFor(curl))) {
+        return false;
+    }
     SetCurlHttpProxy();
     (void)curl_easy_setopt(curl, CURLOPT_SSL_VERIFYPEER, 1L);
     (void)curl_easy_setopt(curl, CURLOPT_SSL_VERIFYHOST, VERIFY_HOST_NAME);
@@ -144,6 +158,31 @@ void HttpLogic::SetTransferOptions()
         VORN_LOGI("HttpLogic::PostHttpsRequest, curl_easy_setopt for CURLOPT_INTERFACE");
     }
     SetupOtherCurlOptions();
+    return true;
+}
+
+bool HttpLogic::RestrictToHttps(const ProtocolSetters &set)
+{
+    // The bitmask options are deprecated where the names options exist, but they are all an
+    // older libcurl understands; never fall back to leaving the protocols open.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    const std::pair<CURLoption, CURLoption> options[] = {
+        {CURLOPT_PROTOCOLS_STR, CURLOPT_PROTOCOLS},
+        {CURLOPT_REDIR_PROTOCOLS_STR, CURLOPT_REDIR_PROTOCOLS},
+    };
+#pragma GCC diagnostic pop
+    for (const auto &[byNames, byBitmask] : options) {
+        if (set.byNames(byNames, ALLOWED_PROTOCOLS) == CURLE_OK) {
+            continue;
+        }
+        const CURLcode code = set.byBitmask(byBitmask, CURLPROTO_HTTPS);
+        if (code != CURLE_OK) {
+            VORN_LOGE("HttpLogic cannot restrict the transfer to HTTPS, code = %{public}d", static_cast<int>(code));
+            return false;
+        }
+    }
+    return true;
 }
 
 // Verifies against the cached store of "caFile" where possible; otherwise libcurl reads the
@@ -162,6 +201,21 @@ void HttpLogic::SetCaOptions()
     (void)curl_easy_setopt(curl, CURLOPT_CAINFO, requestInfo_.caFile.c_str());
 }
 
+// What running on the shared multi handle adds, results ignored. Connections stay one per
+// transfer, as they were with one handle per transfer: libcurl would hand a kept connection to
+// any transfer with the same host and TLS option strings, and it does not compare the SSL
+// context callback that installs a cached CA store, so a connection verified against one CA
+// could serve a transfer that trusts another. For the same reason libcurl's own CA cache,
+// which belongs to the multi handle and knows a CA file only by its path, stays off: a CA file
+// is read afresh unless our own cache, which checks the file's version, holds it.
+void HttpLogic::SetLoopOptions()
+{
+    CURL *curl = curl_.get();
+    (void)curl_easy_setopt(curl, CURLOPT_FRESH_CONNECT, 1L);
+    (void)curl_easy_setopt(curl, CURLOPT_FORBID_REUSE, 1L);
+    (void)curl_easy_setopt(curl, CURLOPT_CA_CACHE_TIMEOUT, 0L);
+}
+
 void HttpLogic::SetupOtherCurlOptions() const
 {
     CURL *curl = curl_.get();
@@ -175,14 +229,63 @@ void HttpLogic::SetupOtherCurlOptions() const
     (void)curl_easy_setopt(curl, CURLOPT_TIMEOUT, TRANSFER_TIMEOUT_SECONDS);
 }
 
-size_t HttpLogic::OnWriteData(const char *data, size_t size, size_t nmemb, std::string *out)
+void HttpLogic::LimitResponseSize(size_t limit)
 {
-    if (out == nullptr) {
+    sizeGuard_.SetLimit(limit);
+    if (PassesRawHeads()) {
+        return;
+    }
+    // Synthetic heads hold at least the lines made from the request; the Cache-Control values
+    // added later only make them longer, and the finished response is measured again anyway.
+    const std::string fromRequest = BuildResponseHeads(requestInfo_, postBody_, "");
+    (void)sizeGuard_.Take(fromRequest.data(), fromRequest.size());
+}
+
+// Returning short makes libcurl abort the transfer, which also stops gzip decoding from
+// producing more than fits.
+size_t HttpLogic::OnWriteBody(const char *data, size_t size, size_t nmemb, HttpLogic *logic)
+{
+    const size_t length = size * nmemb;
+    if (!logic->sizeGuard_.Take(data, length)) {
         return 0;
     }
-    const size_t length = size * nmemb;
-    out->append(data, length);
+    logic->responseBody_.append(data, length);
     return length;
+}
+
+size_t HttpLogic::OnWriteHead(const char *data, size_t size, size_t nmemb, HttpLogic *logic)
+{
+    const size_t length = size * nmemb;
+    // Other clients get only Cache-Control values of the heads, and libcurl bounds their size.
+    if (logic->PassesRawHeads() && !logic->sizeGuard_.Take(data, length)) {
+        return 0;
+    }
+    logic->responseHeads_.append(data, length);
+    return length;
+}
+
+bool HttpLogic::ResponseTooLarge() const
+{
+    return sizeGuard_.Exceeded();
+}
+
+size_t HttpLogic::ResponseSizeReached() const
+{
+    return sizeGuard_.Reached();
+}
+
+long HttpLogic::GetResponseStatus() const
+{
+    long status = 0;
+    if (curl_ != nullptr) {
+        (void)curl_easy_getinfo(curl_.get(), CURLINFO_RESPONSE_CODE, &status);
+    }
+    return status;
+}
+
+bool HttpLogic::PassesRawHeads() const
+{
+    return requestInfo_.saType == GNS_SA_TYPE;
 }
 
 std::string HttpLogic::GetResponseBody() const

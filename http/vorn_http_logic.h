@@ -2,12 +2,14 @@
 #define VORN_HTTP_VORN_HTTP_LOGIC_H
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
 
 #include <curl/curl.h>
 
+#include "response_size_guard.h"
 #include "vorn_init_config_parser.h"
 
 namespace OHOS {
@@ -35,10 +37,31 @@ public:
     // Initialises libcurl once per process; a failed attempt is retried by the next call.
     static bool GlobalInit();
 
+    // How the transfer is held to HTTPS: a setter per form of the protocol options, each
+    // returning libcurl's result for (option, value).
+    struct ProtocolSetters {
+        std::function<CURLcode(CURLoption, const char *)> byNames;
+        std::function<CURLcode(CURLoption, long)> byBitmask;
+    };
+    // Restricts transfers and redirects to HTTPS by protocol names (libcurl 7.85 and later), else
+    // by the older bitmask options; false when neither form applies.
+    static bool RestrictToHttps(const ProtocolSetters &set);
+
     int InitHttpLogic();
+    // Caps the heads clients get plus the body, both counted JSON-escaped, at `limit` bytes: the
+    // transfer stops taking bytes once they can no longer fit. Call after InitHttpLogic.
+    void LimitResponseSize(size_t limit);
     long PostHttpsRequest();
     void SetupOtherCurlOptions() const;
-    static size_t OnWriteData(const char *data, size_t size, size_t nmemb, std::string *out);
+    static size_t OnWriteBody(const char *data, size_t size, size_t nmemb, HttpLogic *logic);
+    static size_t OnWriteHead(const char *data, size_t size, size_t nmemb, HttpLogic *logic);
+
+    // Whether the transfer stopped because the response could not fit; then the escaped size
+    // the heads and body had reached.
+    bool ResponseTooLarge() const;
+    size_t ResponseSizeReached() const;
+    // The HTTP status of the last response received, also of a transfer that was stopped; 0 if none.
+    long GetResponseStatus() const;
 
     std::string GetResponseHeads() const;
     // The heads clients receive for a transfer that collected `rawHeads` after posting `postBody`.
@@ -64,14 +87,17 @@ private:
     };
 
     bool SetRequiredOption(CURLoption option, const void *value, const char *failureLog) const;
-    void SetTransferOptions();
+    bool SetTransferOptions();
+    bool PassesRawHeads() const;
     void SetCaOptions();
+    void SetLoopOptions();
 
     VornInitConfigParser::VornRequestInfo requestInfo_;
     std::string hostName_;
     std::string postBody_;
     std::string responseHeads_;
     std::string responseBody_;
+    ResponseSizeGuard sizeGuard_;
     // Set when the transfer verifies with a cached store; declared before the handle, which
     // uses the store's session cache until it is freed.
     std::shared_ptr<const CachedCaStore> caStore_;

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Host-side checks of the device integration files: GN files parse and are formatted, the
-# JSON files (bundle, SA profile, init configuration, installed configuration) are valid, and
-# the GN library builds from the same sources as the CMake one. Quiet on success but for one
-# summary line; every failure is named and makes the exit code non-zero.
+# JSON files (bundle, SA profile, init configuration, installed configuration) are valid, the
+# GN library builds from the same sources as the CMake one, and the GN build compiles and links
+# on the host against the platform stand-ins (gn_host/). Quiet on success but for one summary
+# line; every failure is named and makes the exit code non-zero.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -18,7 +19,7 @@ fail()
     failures=$((failures + 1))
 }
 
-mapfile -t gn_files < <(find . \( -name .git -o -name out -o -name 'build*' \) -type d -prune \
+mapfile -t gn_files < <(find . \( -name .git -o -path ./out -o -path './build*' \) -type d -prune \
     -o -type f \( -name '*.gn' -o -name '*.gni' \) -print | sort)
 for f in "${gn_files[@]}"; do
     rc=0
@@ -96,6 +97,60 @@ elif ! source_count=$(python3 -c "$compare_sources" cmake/service_sources.cmake 
     fail "$source_count"
 fi
 [ "$failures" -eq 0 ] || exit 1
+
+# Compiles and links everything bundle.json names (service, inner kits, unit tests, fuzz
+# targets) from the GN files, with gn_host/build standing in for the device tree's build/ and
+# the platform stand-ins for the external_deps. The source root is generated so that the
+# repository sits where bundle.json puts it on a device. VORN_GN_OUT keeps the output (and
+# ninja's incremental state) in that folder; otherwise it goes to a temporary one.
+repo=$(pwd)
+if [ -n "${VORN_GN_OUT:-}" ]; then
+    out=$VORN_GN_OUT
+    mkdir -p "$out"
+else
+    out=$(mktemp -d "${TMPDIR:-/tmp}/vorn_gn.XXXXXX")
+    trap 'rm -rf "$out"' EXIT
+fi
+out=$(cd "$out" && pwd)
+root=$out/root
+rm -rf "$root"
+mkdir -p "$root/foundation/communication"
+ln -s "$repo" "$root/foundation/communication/vorn_service"
+ln -s "$repo/gn_host/build" "$root/build"
+# The fuzz targets include libFuzzer's FuzzedDataProvider.h, which a device's clang ships;
+# the host takes it from the installed clang whatever the compiler.
+fuzzer_headers=$(clang -print-resource-dir 2>/dev/null)/include/fuzzer
+if [ ! -f "$fuzzer_headers/FuzzedDataProvider.h" ]; then
+    echo "check_device_build: no fuzzer/FuzzedDataProvider.h (install clang)" >&2
+    exit 1
+fi
+mkdir -p "$root/third_party/fuzzer/include"
+ln -s "$fuzzer_headers" "$root/third_party/fuzzer/include/fuzzer"
+cat >"$root/.gn" <<'DOTFILE'
+buildconfig = "//build/config/BUILDCONFIG.gn"
+root = "//build/device_build"
+script_executable = "python3"
+DOTFILE
+
+launcher=${VORN_GN_LAUNCHER-$(command -v ccache || true)}
+gn_args="cc_launcher=\"$launcher\""
+[ -z "${CC:-}" ] || gn_args+=" host_cc=\"$CC\""
+[ -z "${CXX:-}" ] || gn_args+=" host_cxx=\"$CXX\""
+if ! log=$(gn gen "$out/out" --root="$root" --args="$gn_args" 2>&1); then
+    echo "check_device_build: gn gen failed:"$'\n'"$log" >&2
+    exit 1
+fi
+if ! log=$(ninja -C "$out/out" -j "${VORN_GN_JOBS:-2}" 2>&1); then
+    echo "check_device_build: the GN build does not compile or link:" >&2
+    # The errors without ninja's progress lines and the long compiler command lines.
+    grep -v -E '^(\[[0-9]+/[0-9]+\] |ninja: Entering |(\S*ccache )?\S*(g\+\+|gcc|clang\+\+|clang) )' <<<"$log" |
+        head -n 40 >&2
+    exit 1
+fi
+built=$(cd "$out/out" && ls *.z.so | wc -l)
+programs=$(cd "$out/out" && find . -maxdepth 1 -type f -executable ! -name '*.so' | wc -l)
+
 echo "check_device_build: ${#gn_files[@]} GN files formatted, ${#json_files[@]} JSON files valid," \
-    "$source_count service sources equal in BUILD.gn and cmake/service_sources.cmake"
+    "$source_count service sources equal in BUILD.gn and cmake/service_sources.cmake," \
+    "GN build linked $built libraries and $programs test programs"
 exit 0

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The hardening stage of CI, run after the normal suite:
 #   1. the whole suite under AddressSanitizer + UndefinedBehaviorSanitizer (LeakSanitizer included),
+#      less the device-build check, which compiles the GN build and gains nothing from a sanitizer,
 #   2. the whole suite under ThreadSanitizer,
 #   3. every libFuzzer target briefly (a minute in all).
 # Any sanitizer report fails the stage. Suppressions live in tests/sanitizers/*.supp; each entry
@@ -12,16 +13,14 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 root="$PWD"
 
+source scripts/lib.sh
+
 ./scripts/setup.sh
 asan_dir="${VORN_ASAN_BUILD_DIR:-build-asan}"
 tsan_dir="${VORN_TSAN_BUILD_DIR:-build-tsan}"
 fuzz_seconds="${VORN_FUZZ_SECONDS:-60}"
-jobs=2
-launcher=()
-command -v ccache >/dev/null && launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
-
-# Tests reach only 127.0.0.1; a proxy from the environment must not redirect them.
-unset http_proxy https_proxy HTTP_PROXY HTTPS_PROXY all_proxy ALL_PROXY no_proxy NO_PROXY
+jobs="$(vorn_jobs)"
+vorn_unset_proxies
 
 supp="$root/tests/sanitizers"
 asan_checks="detect_leaks=1:detect_stack_use_after_return=1:check_initialization_order=1:strict_init_order=1"
@@ -45,23 +44,24 @@ end_stage()
 build_sanitized()
 {
     local dir="$1" sanitizer="$2"
-    cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORN_SANITIZE="$sanitizer" \
-        -DVORN_BUILD_BENCH=OFF "${launcher[@]}" >/dev/null
-    cmake --build "$dir" -j"$jobs" >/dev/null
+    # shellcheck disable=SC2046
+    vorn_logged "$dir/logs/configure.log" cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+        -DVORN_SANITIZE="$sanitizer" -DVORN_BUILD_BENCH=OFF $(vorn_launcher_args)
+    vorn_logged "$dir/logs/build.log" cmake --build "$dir" -j"$jobs"
 }
 
 start_stage "ASan+UBSan build"
 build_sanitized "$asan_dir" address
 end_stage
 start_stage "ASan+UBSan suite"
-ctest --test-dir "$asan_dir" -j"$jobs" --output-on-failure
+ctest --test-dir "$asan_dir" -j"$jobs" --output-on-failure -LE device
 end_stage
 
 start_stage "TSan build"
 build_sanitized "$tsan_dir" thread
 end_stage
 start_stage "TSan suite"
-ctest --test-dir "$tsan_dir" -j"$jobs" --output-on-failure
+ctest --test-dir "$tsan_dir" -j"$jobs" --output-on-failure -LE device
 end_stage
 
 start_stage "fuzzing"

@@ -4,9 +4,13 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+source scripts/lib.sh
+
 ./scripts/setup.sh
 build_dir="${VORN_BUILD_DIR:-build}"
-cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE="${VORN_BUILD_TYPE:-RelWithDebInfo}" >/dev/null
-cmake --build "$build_dir" -j"$(nproc)" --target vornctl >/dev/null
-unset http_proxy https_proxy HTTP_PROXY HTTPS_PROXY all_proxy ALL_PROXY no_proxy NO_PROXY
+# shellcheck disable=SC2046
+vorn_logged "$build_dir/logs/configure.log" cmake -S . -B "$build_dir" -G Ninja \
+    -DCMAKE_BUILD_TYPE="${VORN_BUILD_TYPE:-RelWithDebInfo}" $(vorn_launcher_args)
+vorn_logged "$build_dir/logs/demo-build.log" cmake --build "$build_dir" -j"$(vorn_jobs)" --target vornctl
+vorn_unset_proxies
 exec "$build_dir/tools/vornctl" demo

@@ -7,7 +7,7 @@ packages=(
   libcurl4-openssl-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libssl-dev openssl zlib1g-dev
-  clang libclang-rt-14-dev
+  clang
   generate-ninja ccache
 )
 
@@ -18,11 +18,22 @@ for p in "${packages[@]}"; do
   fi
 done
 
-[ ${#missing[@]} -eq 0 ] && exit 0
-
-echo "setup: installing ${missing[*]}" >&2
 SUDO=""
 [ "$(id -u)" -ne 0 ] && SUDO="sudo"
 export DEBIAN_FRONTEND=noninteractive
-$SUDO apt-get update -qq
-$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+
+install()
+{
+    echo "setup: installing $*" >&2
+    $SUDO apt-get update -qq
+    $SUDO apt-get install -y -qq --no-install-recommends "$@" >/dev/null
+}
+
+[ ${#missing[@]} -eq 0 ] || install "${missing[@]}"
+
+# The sanitizer and fuzzer runtimes must be those of the clang that is installed.
+clang_major="$(clang -dumpversion | cut -d. -f1)"
+runtime="libclang-rt-${clang_major}-dev"
+if ! dpkg-query -W -f='${Status}' "$runtime" 2>/dev/null | grep -q "install ok installed"; then
+    install "$runtime"
+fi

@@ -5,15 +5,18 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+source scripts/lib.sh
+
 ./scripts/setup.sh
 build_dir="${VORN_BUILD_DIR:-build}"
-launcher=()
-command -v ccache >/dev/null && launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
-cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE="${VORN_BUILD_TYPE:-RelWithDebInfo}" "${launcher[@]}" >/dev/null
-cmake --build "$build_dir" -j"$(nproc)"
-# Tests reach only 127.0.0.1; a proxy from the environment must not redirect them.
-unset http_proxy https_proxy HTTP_PROXY HTTPS_PROXY all_proxy ALL_PROXY no_proxy NO_PROXY
-ctest --test-dir "$build_dir" --output-on-failure -j"$(nproc)" "$@" | tee "$build_dir/ctest.log"
+# shellcheck disable=SC2046
+vorn_logged "$build_dir/logs/configure.log" cmake -S . -B "$build_dir" -G Ninja \
+    -DCMAKE_BUILD_TYPE="${VORN_BUILD_TYPE:-RelWithDebInfo}" $(vorn_launcher_args)
+vorn_logged "$build_dir/logs/build.log" cmake --build "$build_dir" -j"$(vorn_jobs)"
+vorn_unset_proxies
+# Tests labelled "timing" hold a shared resource lock, so ctest runs them one at a time even
+# with -j: their bounds assume they do not compete with each other for the two cores.
+ctest --test-dir "$build_dir" --output-on-failure -j"$(vorn_jobs)" "$@" | tee "$build_dir/ctest.log"
 
 if [ "${VORN_QUICK:-0}" != 1 ]; then
     ./scripts/ci_hardening.sh

@@ -3,13 +3,14 @@
 #include <atomic>
 #include <chrono>
 #include <exception>
-#include <future>
 #include <ios>
 #include <list>
 #include <utility>
 
 #include <nlohmann/json.hpp>
 
+#include "callback_parcel_limit.h"
+#include "ffrt_inner.h"
 #include "file_utils.h"
 #include "string_utils.h"
 #include "time_utils.h"
@@ -33,6 +34,8 @@ constexpr const char *MESSAGE_INIT_FAILED = "InitHttpLogic failed";
 constexpr const char *MESSAGE_POST_FAILED = "PostHttpsRequest failed";
 constexpr const char *MESSAGE_CONFIG_FAILED = "Parse default server config file failed.";
 constexpr const char *MESSAGE_GLOBAL_INIT_FAILED = "HttpLogic globalInit failed";
+constexpr const char *MESSAGE_TOO_LARGE = "Response too large";
+constexpr size_t MAX_RESPONSE_SIZE = CallbackParcelLimit::MAX_RESPONSE_SIZE;
 
 const std::string CURL_TASK_PREFIX = "vorn_curl_task";
 const std::string HTTP_TASK_PREFIX = "vorn_http_task";
@@ -68,7 +71,7 @@ std::string Serialise(const nlohmann::json &response)
 // A task's exception (say, a response that is not valid UTF-8) stays in its future; here it
 // turns into a plain failure so that nothing a server sends can take the service down.
 template <typename T, typename CodeOf>
-int32_t CollectCode(std::future<T> &future, const char *what, CodeOf codeOf)
+int32_t CollectCode(ffrt::future<T> &future, const char *what, CodeOf codeOf)
 {
     try {
         return codeOf(future.get());
@@ -80,11 +83,75 @@ int32_t CollectCode(std::future<T> &future, const char *what, CodeOf codeOf)
     return ERR_FAILED;
 }
 
-int32_t CollectAttempt(std::future<VornServerLogic::VornRequestResult> &future)
+int32_t CollectAttempt(ffrt::future<VornServerLogic::VornRequestResult> &future)
 {
     return CollectCode(future, "attempt", [](const VornServerLogic::VornRequestResult &result) {
         return result.code;
     });
+}
+
+nlohmann::json ResponseJson(int64_t code, const std::string &message, const std::string &header,
+    const std::string &body, const std::shared_ptr<VornServerLogic::VornRequestStatistics> &statistics)
+{
+    nlohmann::json response;
+    response["code"] = code;
+    response["message"] = message;
+    response["header"] = header;
+    response["body"] = body;
+    if (statistics != nullptr && statistics->hasStatistics) {
+        nlohmann::json timing;
+        timing["req_domain"] = statistics->domain;
+        timing["req_error_code"] = statistics->errorCode;
+        timing["req_start_time"] = statistics->startTime;
+        timing["req_end_time"] = statistics->endTime;
+        timing["req_wait_time"] = statistics->startTime - statistics->submitTime;
+        timing["req_total_time"] = statistics->endTime - statistics->startTime;
+        response["statistics"] = std::move(timing);
+    }
+    return response;
+}
+
+// The exchange with the server has happened and answered `status`.
+void StampExchange(VornServerLogic::VornRequestStatistics &statistics, long status)
+{
+    statistics.hasStatistics = true;
+    statistics.errorCode = std::to_string(status);
+    statistics.endTime = static_cast<uint64_t>(TimeUtils::GetTimeMills());
+}
+
+// What a response takes besides its header and body texts, at least: the shortest variant, a
+// success that ends in the millisecond it started. The transfer is bounded by what is left.
+size_t ResponseOverhead(const VornServerLogic::VornRequestStatistics &statistics)
+{
+    auto success = std::make_shared<VornServerLogic::VornRequestStatistics>(statistics);
+    success->hasStatistics = true;
+    success->errorCode = std::to_string(HTTP_OK);
+    success->endTime = success->startTime;
+    return Serialise(ResponseJson(HTTP_OK, MESSAGE_SUCCESS, "", "", success)).size();
+}
+
+// A response the client's callback cannot carry turns into this failure. The server did answer,
+// so the client hears of it whichever URL this was, and the next URL may still do better.
+void FailTooLarge(const sptr<IVornRequestCallback> &callback, long status, size_t reached,
+    const std::shared_ptr<VornServerLogic::VornRequestStatistics> &statistics)
+{
+    VORN_LOGE("VornServerLogic response too large: %{public}lu bytes reached, %{public}lu fit",
+        static_cast<unsigned long>(reached), static_cast<unsigned long>(MAX_RESPONSE_SIZE));
+    StampExchange(*statistics, status);
+    Deliver(callback, VornServerLogic::GetResponse(ERR_FAILED, MESSAGE_TOO_LARGE, "", "", statistics));
+}
+
+// The last guard, for what the transfer could not foresee (say, synthetic heads grown large from
+// the request): false when the too-large failure went out instead of `response`.
+bool DeliverIfItFits(const sptr<IVornRequestCallback> &callback, long status, const std::string &response,
+    const std::shared_ptr<VornServerLogic::VornRequestStatistics> &statistics)
+{
+    if (response.size() > MAX_RESPONSE_SIZE) {
+        FailTooLarge(callback, status, response.size(), statistics);
+        return false;
+    }
+    Deliver(callback, response);
+    return true;
 }
 } // namespace
 
@@ -104,12 +171,12 @@ int32_t VornServerLogic::GetAllServiceUrl(const sptr<IVornRequestCallback> &call
     }
     requestStartTime_ = static_cast<uint64_t>(TimeUtils::GetTimeMills());
 
-    std::future<VornErrorCodeType> job = VornThread::GetThreadPool(HTTP_POOL)->Submit(
+    ffrt::future<VornErrorCodeType> job = VornThread::GetThreadPool(HTTP_POOL)->Submit(
         [info = requestInfo_, callback = callback_, startTime = requestStartTime_]() {
             return static_cast<VornErrorCodeType>(SubmitRequestTask(info, callback, startTime));
         },
         NextTaskName(HTTP_TASK_PREFIX));
-    if (job.wait_until(std::chrono::steady_clock::now() + JOB_WAIT) != std::future_status::ready) {
+    if (job.wait_until(std::chrono::steady_clock::now() + JOB_WAIT) != ffrt::future_status::ready) {
         VORN_LOGW("VornServerLogic::GetAllServiceUrl futrue wait timeout");
         return ERR_FAILED;
     }
@@ -173,7 +240,7 @@ int32_t VornServerLogic::SubmitRequestTask(VornInitConfigParser::VornRequestInfo
     int32_t lastCode = ERR_FAILED;
     uint64_t attemptIndex = 0;
     // Attempts still running when their wait ended: never cancelled, collected in order at the end.
-    std::list<std::future<VornRequestResult>> pendingFutures;
+    std::list<ffrt::future<VornRequestResult>> pendingFutures;
     for (const std::string &url : info.baseUrls) {
         if (BudgetExceeded(requestStartTime)) {
             VORN_LOGW("SubmitRequestTask:: time to return:%{public}lu", static_cast<unsigned long>(requestStartTime));
@@ -183,12 +250,12 @@ int32_t VornServerLogic::SubmitRequestTask(VornInitConfigParser::VornRequestInfo
         statistics->submitTime = static_cast<uint64_t>(TimeUtils::GetTimeMills());
         statistics->domain = StringUtils::GetDomainFromUrl(url);
         ++attemptIndex;
-        std::future<VornRequestResult> attempt = VornThread::GetThreadPool(HTTP_POOL)->Submit(
+        ffrt::future<VornRequestResult> attempt = VornThread::GetThreadPool(HTTP_POOL)->Submit(
             [info, callback, url, attemptIndex, statistics]() {
                 return ThreadFunc(info, callback, url, attemptIndex, statistics);
             },
             NextTaskName(CURL_TASK_PREFIX));
-        if (attempt.wait_until(std::chrono::steady_clock::now() + ATTEMPT_WAIT) != std::future_status::ready) {
+        if (attempt.wait_until(std::chrono::steady_clock::now() + ATTEMPT_WAIT) != ffrt::future_status::ready) {
             VORN_LOGI("SubmitRequestTask:: next");
             pendingFutures.push_back(std::move(attempt));
             continue;
@@ -227,25 +294,33 @@ VornServerLogic::VornRequestResult VornServerLogic::ThreadFunc(VornInitConfigPar
         return {initCode, ""};
     }
 
+    const size_t overhead = ResponseOverhead(*statistics);
+    httpLogic->LimitResponseSize(overhead < MAX_RESPONSE_SIZE ? MAX_RESPONSE_SIZE - overhead : 0);
     long status = httpLogic->PostHttpsRequest();
+    if (httpLogic->ResponseTooLarge()) {
+        FailTooLarge(callback, httpLogic->GetResponseStatus(), overhead + httpLogic->ResponseSizeReached(),
+            statistics);
+        return {ERR_FAILED, ""};
+    }
     std::string header = httpLogic->GetResponseHeads();
     std::string body = httpLogic->GetResponseBody();
     if (status != HTTP_OK) {
         VORN_LOGI("VornServerLogic::PostHttpsRequest failed:%{public}ld", status);
-        if (isLastUrl) {
-            statistics->hasStatistics = true;
-            statistics->errorCode = std::to_string(status);
-            statistics->endTime = static_cast<uint64_t>(TimeUtils::GetTimeMills());
-            Deliver(callback, GetResponse(status, MESSAGE_POST_FAILED, header, body, statistics));
+        if (!isLastUrl) {
+            return {ERR_FAILED, ""};
         }
+        StampExchange(*statistics, status);
+        (void)DeliverIfItFits(callback, status, GetResponse(status, MESSAGE_POST_FAILED, header, body, statistics),
+            statistics);
         return {ERR_FAILED, ""};
     }
 
     VORN_LOGI("VornServerLogic::curl request success, to response");
-    statistics->hasStatistics = true;
-    statistics->errorCode = std::to_string(HTTP_OK);
-    statistics->endTime = static_cast<uint64_t>(TimeUtils::GetTimeMills());
-    Deliver(callback, GetResponse(HTTP_OK, MESSAGE_SUCCESS, header, body, statistics));
+    StampExchange(*statistics, HTTP_OK);
+    if (!DeliverIfItFits(callback, HTTP_OK, GetResponse(HTTP_OK, MESSAGE_SUCCESS, header, body, statistics),
+        statistics)) {
+        return {ERR_FAILED, ""};
+    }
     return {SUCCESS, ""};
 }
 
@@ -253,22 +328,7 @@ std::string VornServerLogic::GetResponse(int64_t code, const std::string &messag
     const std::string &body, const std::shared_ptr<VornRequestStatistics> &statistics)
 {
     VORN_LOGI("VornServerLogic::GetResponse with code:%{public}ld", static_cast<long>(code));
-    nlohmann::json response;
-    response["code"] = code;
-    response["message"] = message;
-    response["header"] = header;
-    response["body"] = body;
-    if (statistics != nullptr && statistics->hasStatistics) {
-        nlohmann::json timing;
-        timing["req_domain"] = statistics->domain;
-        timing["req_error_code"] = statistics->errorCode;
-        timing["req_start_time"] = statistics->startTime;
-        timing["req_end_time"] = statistics->endTime;
-        timing["req_wait_time"] = statistics->startTime - statistics->submitTime;
-        timing["req_total_time"] = statistics->endTime - statistics->startTime;
-        response["statistics"] = std::move(timing);
-    }
-    return Serialise(response);
+    return Serialise(ResponseJson(code, message, header, body, statistics));
 }
 } // namespace Vorn
 } // namespace OHOS

@@ -37,7 +37,12 @@ void VornRequestCallbackProxy::OnResponse(const std::string &response)
         VORN_LOGE("Remote() is null");
         return;
     }
-    data.WriteString(response);
+    // A response that does not fit the parcel would reach the client as an empty string.
+    if (!data.WriteString(response)) {
+        VORN_LOGE("VornRequestCallbackProxy write response of %{public}lu bytes failed",
+            static_cast<unsigned long>(response.size()));
+        return;
+    }
     VORN_LOGI("VornRequestCallbackProxy::OnResponse SendRequest");
     int32_t result = remote->SendRequest(ON_RESPONSE, data, reply, option);
     if (result != 0) {

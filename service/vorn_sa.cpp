@@ -1,5 +1,6 @@
 #include "vorn_sa.h"
 
+#include "vorn_dumper.h"
 #include "vorn_error_code.h"
 #include "vorn_log.h"
 
@@ -44,6 +45,16 @@ void VornSA::OnStop()
     // Pools, analytics and requests in flight are left alone: they finish on their own.
     state_.store(ServiceState::NOT_RUNNING, std::memory_order_relaxed);
     VORN_LOGI("Stop success.");
+}
+
+int VornSA::Dump(int fd, const std::vector<std::u16string> &args)
+{
+    const bool running = state_.load(std::memory_order_relaxed) == ServiceState::RUNNING;
+    if (!VornDumper::Write(fd, VornDumper::Render(args, running))) {
+        VORN_LOGE("VornSA::Dump write failed");
+        return ERR_SERVICE_INTERNAL;
+    }
+    return SUCCESS;
 }
 } // namespace Vorn
 } // namespace OHOS

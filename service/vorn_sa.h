@@ -3,6 +3,8 @@
 
 #include <atomic>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "system_ability.h"
 #include "vorn_sa_id.h"
@@ -22,6 +24,8 @@ public:
     void OnStart() override;
     void OnStop() override;
     int32_t Init();
+    // The platform's dump tool calls this with the file descriptor to write to.
+    int Dump(int fd, const std::vector<std::u16string> &args) override;
 
 private:
     enum class ServiceState : int32_t {

@@ -13,6 +13,7 @@
 
 #include "ffrt.h"
 #include "ffrt_host.h"
+#include "ffrt_inner.h"
 
 namespace {
 using namespace std::chrono_literals;
@@ -66,26 +67,26 @@ private:
     ffrt_task_handle_t blocker_ = nullptr;
 };
 
-TEST(FfrtPoolTest, TasksBlockedOnTheirOwnChildrenAllFinish)
+// Many more parents than running slots, all inside the runtime's wait at once before any child
+// exists: each gives its worker back while it waits, so the children find workers.
+TEST(FfrtPoolTest, TasksWaitingInRuntimePrimitivesGiveTheirWorkersBack)
 {
     constexpr int parents = 200;
-    std::mutex mutex;
-    std::condition_variable allStarted;
+    ffrt::mutex mutex;
+    ffrt::condition_variable allStarted;
     int started = 0;
     std::atomic<int> finished {0};
+    HostPlatform::FfrtResetPeaks();
     for (int i = 0; i < parents; ++i) {
         ffrt::submit([&] {
             {
-                // Every parent holds a worker at once before any child exists.
-                std::unique_lock<std::mutex> lock(mutex);
+                std::unique_lock<ffrt::mutex> lock(mutex);
                 if (++started == parents) {
                     allStarted.notify_all();
                 }
                 allStarted.wait(lock, [&] { return started == parents; });
             }
-            auto child = std::make_shared<std::promise<int>>();
-            std::future<int> result = child->get_future();
-            ffrt::submit([child] { child->set_value(7); });
+            ffrt::future<int> result = ffrt::async([] { return 7; });
             if (result.get() == 7) {
                 ++finished;
             }
@@ -93,8 +94,102 @@ TEST(FfrtPoolTest, TasksBlockedOnTheirOwnChildrenAllFinish)
     }
     ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
     EXPECT_EQ(finished.load(), parents);
-    EXPECT_GT(HostPlatform::FfrtPeakWorkerCount(), static_cast<size_t>(parents));
-    EXPECT_LE(HostPlatform::FfrtPeakWorkerCount(), 512U);
+    EXPECT_LE(HostPlatform::FfrtPeakRunningCount(), HostPlatform::FfrtRunningWorkerLimit());
+    EXPECT_LE(HostPlatform::FfrtPeakWorkerCount(), HostPlatform::FfrtWorkerThreadLimit());
+}
+
+// A task blocked in a std:: wait keeps its slot: with every slot held that way, nothing else runs
+// until one of them is let go.
+TEST(FfrtPoolTest, TasksBlockedInStdWaitsKeepTheirWorkers)
+{
+    const size_t limit = HostPlatform::FfrtRunningWorkerLimit();
+    std::mutex mutex;
+    std::condition_variable changed;
+    size_t blocked = 0;
+    bool released = false;
+    std::atomic<bool> lateRan {false};
+    for (size_t i = 0; i < limit; ++i) {
+        ffrt::submit([&] {
+            std::unique_lock<std::mutex> lock(mutex);
+            ++blocked;
+            changed.notify_all();
+            changed.wait(lock, [&] { return released; });
+        });
+    }
+    {
+        std::unique_lock<std::mutex> lock(mutex);
+        ASSERT_TRUE(changed.wait_for(lock, SETTLE_TIMEOUT, [&] { return blocked == limit; }));
+    }
+    ffrt::submit([&lateRan] { lateRan = true; });
+    EXPECT_EQ(HostPlatform::FfrtRunningCount(), limit);
+    EXPECT_FALSE(lateRan.load());
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        released = true;
+    }
+    changed.notify_all();
+    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
+    EXPECT_TRUE(lateRan.load());
+}
+
+TEST(FfrtSyncTest, MutexExcludesAcrossSuspendedTasks)
+{
+    constexpr int tasks = 64;
+    constexpr int rounds = 200;
+    ffrt::mutex mutex;
+    int counter = 0;
+    for (int i = 0; i < tasks; ++i) {
+        ffrt::submit([&] {
+            for (int round = 0; round < rounds; ++round) {
+                std::lock_guard<ffrt::mutex> lock(mutex);
+                int seen = counter;
+                ffrt::this_task::yield();
+                counter = seen + 1;
+            }
+        });
+    }
+    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
+    EXPECT_EQ(counter, tasks * rounds);
+}
+
+TEST(FfrtSyncTest, RecursiveMutexReentersOnlyForItsOwner)
+{
+    ffrt::recursive_mutex mutex;
+    std::promise<bool> otherGotIt;
+    auto task = ffrt::async([&] {
+        std::lock_guard<ffrt::recursive_mutex> outer(mutex);
+        std::lock_guard<ffrt::recursive_mutex> inner(mutex);
+        std::thread other([&] { otherGotIt.set_value(mutex.try_lock()); });
+        other.join();
+    });
+    task.get();
+    EXPECT_FALSE(otherGotIt.get_future().get());
+    ASSERT_TRUE(mutex.try_lock());
+    mutex.unlock();
+}
+
+TEST(FfrtSyncTest, FutureHandsOverValueExceptionOrBrokenPromise)
+{
+    ffrt::packaged_task<int()> throwing([]() -> int { throw std::runtime_error("task failed"); });
+    ffrt::future<int> failed = throwing.get_future();
+    ffrt::submit([task = std::make_shared<ffrt::packaged_task<int()>>(std::move(throwing))] { (*task)(); });
+    EXPECT_THROW(failed.get(), std::runtime_error);
+    EXPECT_FALSE(failed.valid());
+
+    ffrt::future<void> abandoned;
+    {
+        ffrt::promise<void> promise;
+        abandoned = promise.get_future();
+        EXPECT_THROW(promise.get_future(), std::future_error);
+    }
+    ASSERT_EQ(abandoned.wait_for(0s), ffrt::future_status::ready);
+    EXPECT_THROW(abandoned.get(), std::future_error);
+
+    ffrt::promise<std::unique_ptr<int>> movable;
+    ffrt::future<std::unique_ptr<int>> moved = movable.get_future();
+    movable.set_value(std::make_unique<int>(5));
+    EXPECT_THROW(movable.set_value(nullptr), std::future_error);
+    EXPECT_EQ(*moved.get(), 5);
 }
 
 TEST(FfrtPoolTest, WaitAndHandlesReturnOnlyAfterTheTasksRan)

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <future>
 #include <mutex>
 #include <thread>
@@ -10,6 +11,7 @@
 
 #include "ffrt.h"
 #include "ffrt_host.h"
+#include "ffrt_inner.h"
 
 namespace {
 using namespace std::chrono_literals;
@@ -68,22 +70,113 @@ TEST(FfrtTimingTest, SerialQueueRunsDelayedTasksWhenDueAndInDueOrder)
 
 TEST(FfrtTimingTest, ExtraWorkersLeaveAfterIdling)
 {
-    constexpr int blocked = 50;
+    const size_t blocked = HostPlatform::FfrtRunningWorkerLimit();
     std::promise<void> gate;
     std::shared_future<void> opened = gate.get_future().share();
-    for (int i = 0; i < blocked; ++i) {
+    HostPlatform::FfrtResetPeaks();
+    for (size_t i = 0; i < blocked; ++i) {
         ffrt::submit([opened] { opened.wait(); });
+    }
+    Clock::time_point deadline = Clock::now() + SETTLE_TIMEOUT;
+    while (HostPlatform::FfrtRunningCount() < blocked && Clock::now() < deadline) {
+        std::this_thread::sleep_for(10ms);
     }
     gate.set_value();
     ASSERT_TRUE(HostPlatform::FfrtWaitIdle(SETTLE_TIMEOUT));
-    EXPECT_GE(HostPlatform::FfrtPeakWorkerCount(), static_cast<size_t>(blocked));
+    EXPECT_GE(HostPlatform::FfrtPeakWorkerCount(), blocked);
 
     // The pool keeps a base of one worker per CPU (at least two) and lets the rest go.
-    const size_t base = std::max(2U, std::thread::hardware_concurrency());
-    Clock::time_point deadline = Clock::now() + 20s;
+    const size_t base = std::min<size_t>(HostPlatform::FfrtWorkerThreadLimit(),
+        std::max(2U, std::thread::hardware_concurrency()));
+    deadline = Clock::now() + 20s;
     while (HostPlatform::FfrtWorkerCount() > base && Clock::now() < deadline) {
         std::this_thread::sleep_for(100ms);
     }
     EXPECT_LE(HostPlatform::FfrtWorkerCount(), base);
+}
+
+// Holds every running slot with tasks blocked in std:: waits until Open().
+class SlotBlockade {
+public:
+    SlotBlockade()
+    {
+        const size_t slots = HostPlatform::FfrtRunningWorkerLimit();
+        for (size_t i = 0; i < slots; ++i) {
+            ffrt::submit([this] {
+                std::unique_lock<std::mutex> lock(mutex_);
+                ++blocked_;
+                changed_.notify_all();
+                changed_.wait(lock, [this] { return open_; });
+            });
+        }
+        std::unique_lock<std::mutex> lock(mutex_);
+        changed_.wait(lock, [this, slots] { return blocked_ == slots; });
+    }
+    void Open()
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        open_ = true;
+        changed_.notify_all();
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    size_t blocked_ = 0;
+    bool open_ = false;
+};
+
+// Parents, twice as many as there are running slots and all queued before any of them runs,
+// each wait up to a second for a child they submit. Waiting in std:: they keep their slots, so
+// the first slot-full of them miss their children; waiting in the runtime's future they give
+// them back, so every child runs in time.
+template <typename Promise, typename Ready>
+int ParentsWhoseChildMissedTheWait(Ready isReady)
+{
+    const size_t parents = 2 * HostPlatform::FfrtRunningWorkerLimit();
+    std::atomic<int> missed {0};
+    SlotBlockade blockade;
+    for (size_t i = 0; i < parents; ++i) {
+        ffrt::submit([&missed, isReady] {
+            auto child = std::make_shared<Promise>();
+            auto result = child->get_future();
+            ffrt::submit([child] { child->set_value(); });
+            if (!isReady(result.wait_for(1s))) {
+                ++missed;
+            }
+        });
+    }
+    blockade.Open();
+    EXPECT_TRUE(HostPlatform::FfrtWaitIdle(SETTLE_TIMEOUT));
+    return missed.load();
+}
+
+TEST(FfrtTimingTest, OnlyRuntimeWaitsLetTheWaitedForTaskRun)
+{
+    const int stdMissed = ParentsWhoseChildMissedTheWait<std::promise<void>>(
+        [](std::future_status status) { return status == std::future_status::ready; });
+    EXPECT_GE(stdMissed, static_cast<int>(HostPlatform::FfrtRunningWorkerLimit()));
+    const int ffrtMissed = ParentsWhoseChildMissedTheWait<ffrt::promise<void>>(
+        [](ffrt::future_status status) { return status == ffrt::future_status::ready; });
+    EXPECT_EQ(ffrtMissed, 0);
+}
+
+TEST(FfrtTimingTest, TimedRuntimeWaitsNeverEndEarly)
+{
+    constexpr auto wait = 200ms;
+    auto measure = [wait] {
+        ffrt::mutex mutex;
+        ffrt::condition_variable never;
+        std::unique_lock<ffrt::mutex> lock(mutex);
+        Clock::time_point start = Clock::now();
+        EXPECT_EQ(never.wait_for(lock, wait), ffrt::cv_status::timeout);
+        Clock::duration waited = Clock::now() - start;
+        start = Clock::now();
+        ffrt::this_task::sleep_for(wait);
+        return std::min(waited, Clock::now() - start);
+    };
+    EXPECT_GE(measure(), wait);
+    ffrt::future<Clock::duration> inTask = ffrt::async(measure);
+    EXPECT_GE(inTask.get(), wait);
 }
 } // namespace

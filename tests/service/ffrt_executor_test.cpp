@@ -181,9 +181,9 @@ TEST(FFRTExecutorDeathTest, BrokenRuntimeEndsTheProcessForImmediateTasks)
 TEST(FFRTExecutorTest, SubmitCarriesResultAndException)
 {
     FFRTExecutor executor("submit", Mode::NORMAL_SUBMIT);
-    std::future<VornErrorCodeType> code = executor.Submit([] { return ERR_SERVICE_INTERNAL; }, "code");
-    std::future<std::string> text = executor.Submit([] { return std::string("late"); }, "text", 20);
-    std::future<int> failed = executor.Submit([]() -> int { throw std::runtime_error("attempt failed"); }, "throws");
+    ffrt::future<VornErrorCodeType> code = executor.Submit([] { return ERR_SERVICE_INTERNAL; }, "code");
+    ffrt::future<std::string> text = executor.Submit([] { return std::string("late"); }, "text", 20);
+    ffrt::future<int> failed = executor.Submit([]() -> int { throw std::runtime_error("attempt failed"); }, "throws");
     EXPECT_EQ(code.get(), ERR_SERVICE_INTERNAL);
     EXPECT_EQ(text.get(), "late");
     EXPECT_THROW(failed.get(), std::runtime_error);

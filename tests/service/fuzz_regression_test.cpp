@@ -13,7 +13,7 @@
 #include "message_option.h"
 #include "message_parcel.h"
 #include "response_recorder.h"
-#include "service_client.h"
+#include "raw_service_client.h"
 #include "string_utils.h"
 #include "vorn_error_code.h"
 #include "vorn_sa.h"
@@ -60,7 +60,7 @@ TEST(FuzzRegressionTest, HostOfAVeryLongUrlNeedsNoDeepStack)
 class FuzzRegressionIpcTest : public testing::Test {
 protected:
     sptr<OHOS::Vorn::VornSA> sa_ = new OHOS::Vorn::VornSA(OHOS::Vorn::VORN_SA_ID, false);
-    VornClient::ServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
+    VornTest::RawServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
     HostPlatform::LogCapture logs_;
 };
 
@@ -71,7 +71,7 @@ TEST_F(FuzzRegressionIpcTest, DeeplyNestedProxyParamIsReadInPlace)
     constexpr size_t DEPTH = 100000;
     const std::string request = R"({"saType":"gns","proxyParam":{"proxyUrl":"p","x":)" + std::string(DEPTH, '[') +
         std::string(DEPTH, ']') + "}}";
-    sptr<VornClient::ResponseRecorder> recorder = new VornClient::ResponseRecorder();
+    sptr<VornTest::ResponseRecorder> recorder = new VornTest::ResponseRecorder();
     RunOnStack(1024 * 1024, [&]() {
         EXPECT_EQ(client_.Request(request, HostPlatform::MakeRemoteProxy(recorder)).result, OHOS::Vorn::SUCCESS);
     });

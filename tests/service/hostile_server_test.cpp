@@ -5,12 +5,14 @@
 #include <nlohmann/json.hpp>
 #include <openssl/tls1.h>
 
+#include "callback_parcel_limit.h"
 #include "hostile_server_fixture.h"
 #include "log_lines.h"
 
 // Servers that break off, flood the client with header lines, speak an old protocol, present a
-// certificate that must be refused, or send bytes that are not UTF-8: each request ends in the
-// outcome the request rules predict, and the service goes on serving.
+// certificate that must be refused, send bytes that are not UTF-8 or more than a client's
+// callback can carry: each request ends in the outcome the request rules predict, and the
+// service goes on serving.
 namespace {
 using VornTestbed::CertificateOptions;
 using VornTestbed::HttpResponse;
@@ -32,7 +34,25 @@ protected:
     {
         return VornTest::CountLevel(logs_, LOG_ERROR, "VornService");
     }
+
+    // The failure that replaces a response the callback cannot carry: the server answered
+    // `status`, and one error line gives the size the response had reached.
+    void ExpectTooLarge(const std::string &response, const std::string &status)
+    {
+        const Json failure = Json::parse(response);
+        EXPECT_EQ(failure.value("code", 0), -1);
+        EXPECT_EQ(failure.value("message", ""), "Response too large");
+        EXPECT_EQ(failure.value("header", "?"), "");
+        EXPECT_EQ(failure.value("body", "?"), "");
+        ASSERT_TRUE(failure.contains("statistics"));
+        EXPECT_EQ(failure["statistics"].value("req_error_code", ""), status);
+        EXPECT_GE(failure["statistics"].value("req_end_time", 0u), failure["statistics"].value("req_start_time", 1u));
+        EXPECT_EQ(ErrorLines(), 1u);
+        EXPECT_EQ(logs_.CountContaining("VornServerLogic response too large: "), 1u);
+    }
 };
+
+constexpr size_t MAX_RESPONSE_SIZE = OHOS::Vorn::CallbackParcelLimit::MAX_RESPONSE_SIZE;
 
 TEST_F(HostileServerTest, BodyCutOffMidwayFailsWithThePartReceived)
 {
@@ -140,5 +160,76 @@ TEST_F(HostileServerTest, InvalidUtf8InAHeaderValueOnlyHurtsWhereItIsPassedOn)
         EXPECT_EQ(logs_.CountContaining("VornServerLogic attempt failed with exception"), 1u);
         ExpectNextRequestServed();
     }
+}
+
+TEST_F(HostileServerTest, ABodyJustUnderTheLimitArrivesWhole)
+{
+    server_->Respond("/one", HttpResponse::Text(200, "1"));
+    const size_t overhead = Run(Request({Url("/one")})).responses.at(0).size() - 1;
+    // Leaves room for the timing figures, whose digits vary from run to run.
+    constexpr size_t TIMING_SLACK = 24;
+    const std::string body(MAX_RESPONSE_SIZE - overhead - TIMING_SLACK, 'u');
+    server_->Respond("/under", HttpResponse::Text(200, body));
+
+    const Outcome outcome = Run(Request({Url("/under")}));
+
+    EXPECT_EQ(outcome.code, 0);
+    ASSERT_EQ(outcome.responses.size(), 1u);
+    EXPECT_LE(outcome.responses.front().size(), MAX_RESPONSE_SIZE);
+    EXPECT_GT(outcome.responses.front().size(), MAX_RESPONSE_SIZE - 2 * TIMING_SLACK);
+    const Json response = Json::parse(outcome.responses.front());
+    EXPECT_EQ(response.value("code", 0), 200);
+    EXPECT_EQ(response.value("body", ""), body);
+    EXPECT_EQ(ErrorLines(), 0u);
+}
+
+TEST_F(HostileServerTest, ABodyThatCannotFitGivesOneTooLargeFailureEvenBeforeTheLastUrl)
+{
+    struct Case {
+        const char *what;
+        HttpResponse response;
+        std::string status;
+    };
+    HttpResponse mebibyte;
+    mebibyte.generatedBodySize = 1u << 20;
+    HttpResponse notFound = mebibyte;
+    notFound.status = 404;
+    // 110 000 raw bytes would fit; escaped they take twice that.
+    HttpResponse quotes = HttpResponse::Text(200, std::string(110000, '"'));
+    const std::vector<Case> cases = {
+        {"1 MiB body", mebibyte, "200"}, {"1 MiB error page", notFound, "404"}, {"quotes", quotes, "200"}};
+    for (const Case &c : cases) {
+        server_->Respond("/big", c.response);
+        logs_.Clear();
+
+        const Outcome outcome = Run(Request({Url("/big"), Url("/ok")}));
+
+        // The next URL is still tried, and its answer follows.
+        EXPECT_EQ(outcome.code, 0) << c.what;
+        ASSERT_EQ(outcome.responses.size(), 2u) << c.what;
+        ExpectTooLarge(outcome.responses[0], c.status);
+        EXPECT_EQ(Json::parse(outcome.responses[1]).value("body", ""), "served") << c.what;
+    }
+    ExpectNextRequestServed();
+}
+
+TEST_F(HostileServerTest, ResponsesGrownTooLargeFromTheRequestAreReplacedByTheFailure)
+{
+    // The service list comes back in the synthetic heads, so a request can outgrow the parcel
+    // with a server answering nothing at all.
+    server_->Respond("/empty", HttpResponse::Text(200, ""));
+    server_->Respond("/short", HttpResponse::Text(200, "s"));
+    for (const char *path : {"/empty", "/short"}) {
+        auto request = Request({Url(path)});
+        request.requestBody = {std::string(MAX_RESPONSE_SIZE, 's')};
+        logs_.Clear();
+
+        const Outcome outcome = Run(request);
+
+        EXPECT_EQ(outcome.code, -1) << path;
+        ASSERT_EQ(outcome.responses.size(), 1u) << path;
+        ExpectTooLarge(outcome.responses.front(), "200");
+    }
+    ExpectNextRequestServed();
 }
 } // namespace

@@ -13,7 +13,7 @@
 #include "https_fixture.h"
 #include "ipc_host.h"
 #include "response_recorder.h"
-#include "service_client.h"
+#include "raw_service_client.h"
 #include "temp_dir.h"
 #include "vorn_sa.h"
 #include "vorn_sa_id.h"
@@ -56,7 +56,7 @@ protected:
             {"requestHeaders", {HEADER_LINE}}, {"requestBody", {SERVICE_NAME}}, {"appVersion", "1.0"}};
         const nlohmann::json event = {{"eventId", "evt.privacy"},
             {"content", nlohmann::json({{"note", EVENT_VALUE}}).dump()}};
-        OHOS::sptr<VornClient::ResponseRecorder> recorder = new VornClient::ResponseRecorder();
+        OHOS::sptr<VornTest::ResponseRecorder> recorder = new VornTest::ResponseRecorder();
         EXPECT_EQ(client_.Request(request.dump(), HostPlatform::MakeRemoteProxy(recorder)).result, 0);
         EXPECT_TRUE(recorder->WaitForCount(1, 15s));
         EXPECT_EQ(client_.Event(event.dump()).result, 0);
@@ -73,7 +73,7 @@ protected:
     }
 
     OHOS::sptr<OHOS::Vorn::VornSA> sa_ = new OHOS::Vorn::VornSA(OHOS::Vorn::VORN_SA_ID, false);
-    VornClient::ServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
+    VornTest::RawServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
 };
 
 TEST_F(PrivacyTest, RequestAndEventContentsAreLoggedOnlyWhenRevealed)

@@ -11,11 +11,12 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "device_runtime.h"
 #include "ffrt_host.h"
 #include "https_fixture.h"
 #include "ipc_host.h"
 #include "response_recorder.h"
-#include "service_client.h"
+#include "raw_service_client.h"
 #include "vorn_sa.h"
 #include "vorn_sa_id.h"
 
@@ -111,7 +112,7 @@ protected:
     }
 
     sptr<OHOS::Vorn::VornSA> sa_ = new OHOS::Vorn::VornSA(OHOS::Vorn::VORN_SA_ID, false);
-    VornClient::ServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
+    VornTest::RawServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
 };
 
 TEST_F(SoakTimingTest, EveryRequestGetsThePredictedResponsesAndThreadsGoBackToBaseline)
@@ -127,7 +128,7 @@ TEST_F(SoakTimingTest, EveryRequestGetsThePredictedResponsesAndThreadsGoBackToBa
     const size_t baselineWorkers = std::max<size_t>({workersNow, 2, std::thread::hardware_concurrency()});
     const size_t baselineThreads = ProcessThreads() + (baselineWorkers - workersNow);
 
-    std::vector<sptr<VornClient::ResponseRecorder>> recorders(total);
+    std::vector<sptr<VornTest::ResponseRecorder>> recorders(total);
     std::atomic<size_t> next{0};
     std::atomic<size_t> refused{0};
     const auto start = std::chrono::steady_clock::now();
@@ -136,7 +137,7 @@ TEST_F(SoakTimingTest, EveryRequestGetsThePredictedResponsesAndThreadsGoBackToBa
         clients.emplace_back([&]() {
             for (size_t i = next++; i < total; i = next++) {
                 const Scenario &scenario = SCENARIOS[i % SCENARIOS.size()];
-                recorders[i] = new VornClient::ResponseRecorder();
+                recorders[i] = new VornTest::ResponseRecorder();
                 if (client_.Request(RequestText(scenario, i), HostPlatform::MakeRemoteProxy(recorders[i])).result !=
                     0) {
                     ++refused;

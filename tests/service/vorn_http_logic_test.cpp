@@ -1,5 +1,6 @@
 #include <regex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -7,6 +8,7 @@
 #include "connect_proxy.h"
 #include "hilog_host.h"
 #include "https_fixture.h"
+#include "response_size_guard.h"
 #include "vorn_http_logic.h"
 
 namespace {
@@ -246,6 +248,154 @@ TEST_F(HttpLogicTest, ABrokenProxySettingMeansADirectConnection)
     EXPECT_EQ(Post(Request({}), Url("/direct")).status, 200);
     EXPECT_EQ(logs.CountContaining("GetHttpProxy fail, status: "), 1u);
 }
+
+// A transfer held to `limit` escaped bytes of heads (as clients get them) and body.
+struct LimitedOutcome {
+    long status;
+    bool tooLarge;
+    size_t reached;
+    long responseStatus;
+    std::string heads;
+    std::string body;
+};
+
+LimitedOutcome PostLimited(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info, const std::string &url,
+    size_t limit)
+{
+    HttpLogic logic(info, url);
+    EXPECT_EQ(logic.InitHttpLogic(), 0);
+    logic.LimitResponseSize(limit);
+    long status = logic.PostHttpsRequest();
+    return {status, logic.ResponseTooLarge(), logic.ResponseSizeReached(), logic.GetResponseStatus(),
+        logic.GetResponseHeads(), logic.GetResponseBody()};
+}
+
+size_t Escaped(const std::string &text)
+{
+    return OHOS::Vorn::ResponseSizeGuard::EscapedSize(text.data(), text.size());
+}
+
+TEST_F(HttpLogicTest, ABodyThatFitsTheLimitExactlyIsTakenWholeAndOneMoreByteStopsTheTransfer)
+{
+    // Escaping makes these 3001 bytes 10001: quotation marks and backslashes double, the
+    // other control characters take six bytes.
+    std::string body;
+    for (int i = 0; i < 1000; ++i) {
+        body += "\"\x01\\";
+    }
+    body += "x";
+    server_->Respond("/escaped", HttpResponse::Text(200, body));
+    const auto info = Request({});
+    const size_t heads = Escaped(Post(info, Url("/escaped")).heads);
+    const size_t whole = heads + Escaped(body);
+    ASSERT_EQ(whole, heads + 10001);
+
+    LimitedOutcome fits = PostLimited(info, Url("/escaped"), whole);
+    EXPECT_EQ(fits.status, 200);
+    EXPECT_FALSE(fits.tooLarge);
+    EXPECT_EQ(fits.body, body);
+    EXPECT_EQ(fits.reached, whole);
+
+    HostPlatform::LogCapture logs;
+    LimitedOutcome over = PostLimited(info, Url("/escaped"), whole - 1);
+    EXPECT_EQ(over.status, -1);
+    EXPECT_TRUE(over.tooLarge);
+    EXPECT_EQ(over.responseStatus, 200);
+    EXPECT_GT(over.reached, whole - 1);
+    EXPECT_LE(over.reached, whole);
+    EXPECT_LE(heads + Escaped(over.body), whole - 1);
+    EXPECT_EQ(body.compare(0, over.body.size(), over.body), 0);
+    EXPECT_TRUE(logs.Contains("Failed to access the server, code = 23"));
+}
+
+TEST_F(HttpLogicTest, SyntheticHeadsCountFromTheRequestAndRawHeadsAsTheyArrive)
+{
+    HttpResponse response = HttpResponse::Text(200, "");
+    response.headerLines = {"X-Long: " + std::string(3000, 'h')};
+    server_->Respond("/heads", response);
+
+    // Synthetic heads leave X-Long out: they fit a limit a little above their own size.
+    auto info = Request({});
+    const std::string synthetic = Post(info, Url("/heads")).heads;
+    LimitedOutcome fits = PostLimited(info, Url("/heads"), Escaped(synthetic));
+    EXPECT_EQ(fits.status, 200);
+    EXPECT_FALSE(fits.tooLarge);
+    EXPECT_EQ(fits.heads.size(), synthetic.size());
+
+    // Raw heads carry it, so the same limit stops the transfer while the heads arrive.
+    info.saType = "gns";
+    LimitedOutcome raw = PostLimited(info, Url("/heads"), Escaped(synthetic));
+    EXPECT_EQ(raw.status, -1);
+    EXPECT_TRUE(raw.tooLarge);
+    EXPECT_EQ(raw.responseStatus, 200);
+    EXPECT_EQ(raw.heads.find(std::string(3000, 'h')), std::string::npos);
+}
+
+TEST_F(HttpLogicTest, AGzipBodyIsBoundedAfterDecoding)
+{
+    HttpResponse response;
+    response.generatedBodySize = 8u << 20;
+    response.gzip = true;
+    server_->Respond("/bomb", response);
+
+    LimitedOutcome bomb = PostLimited(Request({}), Url("/bomb"), 100000);
+    EXPECT_EQ(bomb.status, -1);
+    EXPECT_TRUE(bomb.tooLarge);
+    EXPECT_LE(bomb.body.size(), 100000u);
+    // libcurl decodes in pieces of at most 16 KiB, so the transfer stopped at the first one over.
+    EXPECT_LT(bomb.reached, 100000u + 16384u + 1u);
+}
+
+// The order in which the HTTPS restriction is tried, given what each setter answers.
+class ProtocolRestrictionTest : public testing::Test {
+protected:
+    bool Restrict(CURLcode namesResult, CURLcode bitmaskResult)
+    {
+        HttpLogic::ProtocolSetters setters{
+            [this, namesResult](CURLoption option, const char *names) {
+                byNames_.emplace_back(option, names);
+                return namesResult;
+            },
+            [this, bitmaskResult](CURLoption option, long bitmask) {
+                byBitmask_.emplace_back(option, bitmask);
+                return bitmaskResult;
+            }};
+        return HttpLogic::RestrictToHttps(setters);
+    }
+
+    std::vector<std::pair<CURLoption, std::string>> byNames_;
+    std::vector<std::pair<CURLoption, long>> byBitmask_;
+};
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+TEST_F(ProtocolRestrictionTest, NamesAreUsedWhereLibcurlKnowsThem)
+{
+    EXPECT_TRUE(Restrict(CURLE_OK, CURLE_OK));
+    const std::vector<std::pair<CURLoption, std::string>> expected = {
+        {CURLOPT_PROTOCOLS_STR, "https"}, {CURLOPT_REDIR_PROTOCOLS_STR, "https"}};
+    EXPECT_EQ(byNames_, expected);
+    EXPECT_TRUE(byBitmask_.empty());
+}
+
+TEST_F(ProtocolRestrictionTest, AnOlderLibcurlGetsTheHttpsBitmaskNeverAllProtocols)
+{
+    EXPECT_TRUE(Restrict(CURLE_UNKNOWN_OPTION, CURLE_OK));
+    const std::vector<std::pair<CURLoption, long>> expected = {
+        {CURLOPT_PROTOCOLS, CURLPROTO_HTTPS}, {CURLOPT_REDIR_PROTOCOLS, CURLPROTO_HTTPS}};
+    EXPECT_EQ(byBitmask_, expected);
+}
+
+TEST_F(ProtocolRestrictionTest, WhenNeitherFormAppliesTheTransferIsRefused)
+{
+    HostPlatform::LogCapture logs;
+    EXPECT_FALSE(Restrict(CURLE_UNKNOWN_OPTION, CURLE_BAD_FUNCTION_ARGUMENT));
+    // The redirect restriction is not even tried once the first one failed.
+    EXPECT_EQ(byNames_.size(), 1u);
+    EXPECT_EQ(byBitmask_.size(), 1u);
+    EXPECT_TRUE(logs.Contains("HttpLogic cannot restrict the transfer to HTTPS, code = 43"));
+}
+#pragma GCC diagnostic pop
 
 TEST(HttpLogicHeads, EmptyResponseGivesOnlyTheSyntheticBlock)
 {

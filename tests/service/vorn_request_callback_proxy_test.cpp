@@ -9,6 +9,7 @@
 #include "ipc_host.h"
 #include "ipc_types.h"
 #include "iremote_stub.h"
+#include "callback_parcel_limit.h"
 #include "response_recorder.h"
 #include "vorn_request_callback_proxy.h"
 
@@ -93,7 +94,7 @@ TEST(VornRequestCallbackProxyTest, DeadCallbackIsOnlyLogged)
 
 TEST(VornRequestCallbackProxyTest, ConcurrentResponsesAllArrive)
 {
-    sptr<VornClient::ResponseRecorder> recorder = new VornClient::ResponseRecorder();
+    sptr<VornTest::ResponseRecorder> recorder = new VornTest::ResponseRecorder();
     sptr<IVornRequestCallback> callback = CallbackFor(recorder);
     ASSERT_NE(callback, nullptr);
     std::vector<std::string> expected;
@@ -115,4 +116,25 @@ TEST(VornRequestCallbackProxyTest, ConcurrentResponsesAllArrive)
     std::sort(arrived.begin(), arrived.end());
     std::sort(expected.begin(), expected.end());
     EXPECT_EQ(arrived, expected);
+}
+
+TEST(VornRequestCallbackProxyTest, TheLargestResponseArrivesWholeAndALargerOneIsRefusedWithALogLine)
+{
+    constexpr size_t LARGEST = CallbackParcelLimit::MAX_RESPONSE_SIZE;
+    sptr<TransactionRecorder> recorder = new TransactionRecorder();
+    sptr<IVornRequestCallback> callback = CallbackFor(recorder);
+    HostPlatform::LogCapture capture;
+
+    callback->OnResponse(std::string(LARGEST, 'r'));
+    ASSERT_EQ(recorder->transactions.size(), 1U);
+    EXPECT_EQ(recorder->transactions[0].response, std::string(LARGEST, 'r'));
+    EXPECT_EQ(capture.CountContaining("failed"), 0U);
+
+    // One byte more needs one more padded word, and the parcel has none left.
+    callback->OnResponse(std::string(LARGEST + 1, 'r'));
+    EXPECT_EQ(recorder->transactions.size(), 1U);
+    const auto records = capture.Records();
+    ASSERT_FALSE(records.empty());
+    EXPECT_EQ(records.back().text, "VornRequestCallbackProxy write response of 204720 bytes failed");
+    EXPECT_EQ(records.back().level, LOG_ERROR);
 }

@@ -17,7 +17,7 @@
 #include "message_parcel.h"
 #include "omsa_log.h"
 #include "response_recorder.h"
-#include "service_client.h"
+#include "raw_service_client.h"
 #include "vorn_error_code.h"
 #include "vorn_sa.h"
 
@@ -26,9 +26,9 @@ using namespace OHOS::Vorn;
 using namespace std::chrono_literals;
 using HostPlatform::LogCapture;
 using HostPlatform::ScopedCallerIdentity;
-using VornClient::CallResult;
-using VornClient::ResponseRecorder;
-using VornClient::ServiceClient;
+using VornTest::CallResult;
+using VornTest::ResponseRecorder;
+using VornTest::RawServiceClient;
 using VornTest::ServiceLines;
 
 namespace {
@@ -41,7 +41,7 @@ const std::u16string TOKEN = IVornSAInterface::GetDescriptor();
 class StubFixture {
 protected:
     sptr<VornSA> sa_ = new VornSA(VORN_SA_ID, true);
-    ServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
+    RawServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
     sptr<ResponseRecorder> recorder_ = new ResponseRecorder();
     LogCapture logs_;
 };

@@ -8,7 +8,7 @@
 #include "iservice_registry.h"
 #include "local_ability_manager_host.h"
 #include "log_lines.h"
-#include "service_client.h"
+#include "raw_service_client.h"
 #include "vorn_error_code.h"
 #include "vorn_sa.h"
 
@@ -47,7 +47,7 @@ TEST(VornSATest, LibraryRegistersTheServiceWhichPublishesItselfOnStart)
     sptr<IRemoteObject> service = Samgr()->GetSystemAbility(VORN_SA_ID);
     ASSERT_NE(service, nullptr);
     // It is this service that answers: a malformed event draws its own code.
-    EXPECT_EQ(VornClient::ServiceClient(service).Event("{").result, ERR_PARCEL_READ_PARAM);
+    EXPECT_EQ(VornTest::RawServiceClient(service).Event("{").result, ERR_PARCEL_READ_PARAM);
 }
 
 TEST(VornSATest, SecondStartLogsAnErrorAndDoesNotPublishAgain)

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "ffrt_host.h"
+#include "ffrt_inner.h"
 #include "hilog_host.h"
 #include "vorn_error_code.h"
 #include "vorn_thread.h"
@@ -65,23 +67,23 @@ TEST(VornThreadTest, EveryOtherTypeSelectsTheBinderPool)
 
 TEST(VornThreadTest, JobsWaitingOnTheirOwnPoolStillComplete)
 {
-    // A request job blocks on the attempts it posted to the same pool; with more such jobs than
-    // workers the pool must still get the attempts to run.
+    // A request job waits on the attempts it posted to the same pool; with more such jobs than
+    // running workers the attempts still run, because a waiting job gives its worker back.
     const Pool pool = VornThread::GetThreadPool(HTTP_POOL);
-    const int jobCount = static_cast<int>(std::max(2U, std::thread::hardware_concurrency())) * 2 + 1;
-    std::promise<void> go;
-    std::shared_future<void> start = go.get_future().share();
-    std::vector<std::future<VornErrorCodeType>> jobs;
+    const int jobCount = static_cast<int>(HostPlatform::FfrtRunningWorkerLimit()) * 2 + 1;
+    ffrt::promise<void> go;
+    auto start = std::make_shared<ffrt::future<void>>(go.get_future());
+    std::vector<ffrt::future<VornErrorCodeType>> jobs;
     for (int i = 0; i < jobCount; ++i) {
         jobs.push_back(pool->Submit([pool, start] {
-            start.wait();
-            std::future<VornErrorCodeType> attempt = pool->Submit([] { return SUCCESS; }, "attempt");
-            return attempt.wait_for(SETTLE_TIMEOUT) == std::future_status::ready ? attempt.get() : ERR_FAILED;
+            start->wait();
+            ffrt::future<VornErrorCodeType> attempt = pool->Submit([] { return SUCCESS; }, "attempt");
+            return attempt.wait_for(SETTLE_TIMEOUT) == ffrt::future_status::ready ? attempt.get() : ERR_FAILED;
         }, "job"));
     }
     go.set_value();
     for (auto &job : jobs) {
-        ASSERT_EQ(job.wait_for(SETTLE_TIMEOUT * 2), std::future_status::ready);
+        ASSERT_EQ(job.wait_for(SETTLE_TIMEOUT * 2), ffrt::future_status::ready);
         EXPECT_EQ(job.get(), SUCCESS);
     }
 }

@@ -33,12 +33,12 @@ protected:
     // A fresh callback object, with no responses recorded yet.
     void NewCallback()
     {
-        recorder_ = new VornClient::ResponseRecorder();
+        recorder_ = new VornTest::ResponseRecorder();
         callback_ = recorder_->RemoteCallback();
         ASSERT_NE(callback_, nullptr);
     }
 
-    OHOS::sptr<VornClient::ResponseRecorder> recorder_;
+    OHOS::sptr<VornTest::ResponseRecorder> recorder_;
     OHOS::sptr<OHOS::Vorn::IVornRequestCallback> callback_;
 
 private:

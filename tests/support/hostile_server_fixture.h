@@ -48,7 +48,7 @@ protected:
     // Runs one request and returns once the job and every attempt have finished.
     Outcome Run(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info)
     {
-        OHOS::sptr<VornClient::ResponseRecorder> recorder = new VornClient::ResponseRecorder();
+        OHOS::sptr<VornTest::ResponseRecorder> recorder = new VornTest::ResponseRecorder();
         auto callback = recorder->RemoteCallback();
         Outcome outcome;
         outcome.code = std::make_shared<OHOS::Vorn::VornServerLogic>(info)->GetAllServiceUrl(callback);

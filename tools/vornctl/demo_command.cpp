@@ -20,7 +20,7 @@
 #include "exit_status.h"
 #include "ffrt_host.h"
 #include "i_vorn_sa_interface.h"
-#include "response_recorder.h"
+#include "response_collector.h"
 #include "service_session.h"
 
 namespace Vornctl {
@@ -143,10 +143,9 @@ void PrintSetUp(const DemoStage &stage, const std::string &libraryPath)
         libraryPath.c_str());
 }
 
-VornClient::CallResult Call(ServiceSession &session, const std::string &request,
-    const OHOS::sptr<VornClient::ResponseRecorder> &recorder)
+CallResult Call(ServiceSession &session, const std::string &request, const ResponseCollector &collector)
 {
-    return session.Request(HostPlatform::NativeCaller(static_cast<pid_t>(getuid())), request, recorder->AsObject(),
+    return session.Request(HostPlatform::NativeCaller(static_cast<pid_t>(getuid())), request, collector.Callback(),
         OHOS::Vorn::IVornSAInterface::GetDescriptor(),
         static_cast<uint32_t>(OHOS::Vorn::VornInterfaceCode::GET_VORN_CONFIG_FROM_SERVER));
 }
@@ -175,12 +174,12 @@ void RepeatRequest(ServiceSession &session, const DemoStage &stage)
     const std::string request =
         RequestText(stage, {stage.BaseUrl(DemoEndpoint::ANSWERING) + DemoStage::QUERY_ENDPOINT});
     auto arrivals = std::make_shared<Arrivals>();
-    OHOS::sptr<VornClient::ResponseRecorder> recorder =
-        new VornClient::ResponseRecorder([arrivals](const std::string &text) { arrivals->Add(text); });
+    std::shared_ptr<ResponseCollector> collector =
+        ResponseCollector::Create([arrivals](const std::string &text) { arrivals->Add(text); });
     std::printf("A second request, naming the URL that answered as its only base URL:\n  %s\n", request.c_str());
     const Clock::time_point callStart = Clock::now();
-    (void)Call(session, request, recorder);
-    recorder->WaitForCount(1, RESPONSE_WAIT);
+    (void)Call(session, request, *collector);
+    collector->WaitForCount(1, RESPONSE_WAIT);
     std::vector<Arrival> received = arrivals->Get();
     if (received.empty()) {
         std::printf("No response arrived.\n\n");
@@ -193,7 +192,7 @@ void RepeatRequest(ServiceSession &session, const DemoStage &stage)
     HostPlatform::FfrtWaitIdle(SETTLE_WAIT);
 }
 
-void PrintCall(const std::string &request, const VornClient::CallResult &call)
+void PrintCall(const std::string &request, const CallResult &call)
 {
     std::printf("The request carries no base URLs, so the service takes them from its server configuration:\n");
     std::printf("  %s\n", request.c_str());
@@ -281,13 +280,13 @@ bool SendDemoRequest(const DemoStage &stage, const std::string &libraryPath, con
         return false;
     }
     PrintSetUp(stage, libraryPath);
-    OHOS::sptr<VornClient::ResponseRecorder> recorder =
-        new VornClient::ResponseRecorder([arrivals](const std::string &text) { arrivals->Add(text); });
+    std::shared_ptr<ResponseCollector> collector =
+        ResponseCollector::Create([arrivals](const std::string &text) { arrivals->Add(text); });
     std::string request = RequestText(stage);
     Clock::time_point callStart = Clock::now();
-    VornClient::CallResult call = Call(*session, request, recorder);
+    CallResult call = Call(*session, request, *collector);
     PrintCall(request, call);
-    recorder->WaitForCount(EXPECTED_RESPONSES, RESPONSE_WAIT);
+    collector->WaitForCount(EXPECTED_RESPONSES, RESPONSE_WAIT);
     HostPlatform::FfrtWaitIdle(SETTLE_WAIT);
 
     std::vector<Arrival> received = arrivals->Get();

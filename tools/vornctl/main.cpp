@@ -57,7 +57,7 @@ int DetachStandardError()
     return original;
 }
 
-void PrintCallOutcome(const VornClient::CallResult &call)
+void PrintCallOutcome(const CallResult &call)
 {
     int fd = DetachStandardError();
     if (call.reply) {

@@ -8,7 +8,7 @@
 #include "exit_status.h"
 #include "ffrt_host.h"
 #include "response_printer.h"
-#include "response_recorder.h"
+#include "response_collector.h"
 
 namespace Vornctl {
 namespace {
@@ -36,41 +36,41 @@ int ExitStatusFor(const std::vector<std::string> &responses)
 
 // Responses are sent from inside the service's pool tasks, so once the task runtime is idle no
 // further response can come: both modes stop there rather than sit out the whole wait.
-void AwaitResponses(const VornClient::ResponseRecorder &recorder, bool collectAll, std::chrono::milliseconds wait)
+void AwaitResponses(const ResponseCollector &collector, bool collectAll, std::chrono::milliseconds wait)
 {
     if (collectAll) {
         HostPlatform::FfrtWaitIdle(wait);
         return;
     }
     auto deadline = std::chrono::steady_clock::now() + wait;
-    while (recorder.Count() == 0 && !HostPlatform::FfrtIsIdle()) {
+    while (collector.Count() == 0 && !HostPlatform::FfrtIsIdle()) {
         auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
         if (left.count() <= 0) {
             return;
         }
-        recorder.WaitForCount(1, std::min(left, POLL_INTERVAL));
+        collector.WaitForCount(1, std::min(left, POLL_INTERVAL));
     }
 }
 } // namespace
 
 CommandOutcome RunRequest(const ServiceSession &session, const CommandLine &line, const std::string &paramStr)
 {
-    // The printer outlives this function: late attempts may still call the recorder back while
+    // The printer outlives this function: late attempts may still call back while
     // the process ends, and it must then drop their responses quietly.
     static ResponsePrinter printer(stdout);
-    OHOS::sptr<VornClient::ResponseRecorder> recorder =
-        new VornClient::ResponseRecorder([](const std::string &response) { printer.Print(response); });
+    std::shared_ptr<ResponseCollector> collector =
+        ResponseCollector::Create([](const std::string &response) { printer.Print(response); });
 
     CallSettings settings = CallSettingsFor(line);
     CommandOutcome outcome;
-    OHOS::sptr<OHOS::IRemoteObject> callback = line.noCallback ? nullptr : recorder->AsObject();
+    OHOS::sptr<OHOS::IRemoteObject> callback = line.noCallback ? nullptr : collector->Callback();
     outcome.call = session.Request(settings.caller, paramStr, callback, settings.descriptor, settings.code);
     if (outcome.call.result != 0) {
         printer.Close();
         outcome.exitStatus = EXIT_CALL_FAILED;
         return outcome;
     }
-    AwaitResponses(*recorder, line.collectAll, line.wait);
+    AwaitResponses(*collector, line.collectAll, line.wait);
     outcome.exitStatus = ExitStatusFor(printer.Close());
     return outcome;
 }

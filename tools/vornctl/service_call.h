@@ -6,7 +6,7 @@
 
 #include "command_line.h"
 #include "ipc_host.h"
-#include "service_client.h"
+#include "service_session.h"
 
 namespace Vornctl {
 // How one transaction is written, as the command line chose it.
@@ -18,7 +18,7 @@ struct CallSettings {
 
 // What came of a command: the transaction's outcome (for "reply:" and "result:") and the exit status.
 struct CommandOutcome {
-    VornClient::CallResult call;
+    CallResult call;
     int exitStatus = 0;
 };
 

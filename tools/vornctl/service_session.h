@@ -3,16 +3,23 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "ipc_host.h"
 #include "iremote_object.h"
-#include "service_client.h"
 
 namespace Vornctl {
+struct CallResult {
+    int result = 0;                // the transaction result
+    std::optional<int32_t> reply;  // the first Int32 of the reply parcel, when it holds one
+};
+
 // The service as a client process reaches it on a device: its library loaded by the service
 // host of this process, system ability 66054 started and its remote object taken from the
-// system-ability manager. Calls carry the identity they are given.
+// system-ability manager. Calls carry the identity they are given, and are written by hand
+// rather than through the client kit's proxy: the command line may choose any interface token
+// and code, or no callback, so that the service's refusals can be seen too.
 class ServiceSession {
 public:
     // Loads the library with dlopen, so that its static registration runs as under the device's
@@ -24,13 +31,13 @@ public:
     // Takes a published remote object of the service; Open is the usual way to get one.
     explicit ServiceSession(OHOS::sptr<OHOS::IRemoteObject> service);
 
-    VornClient::CallResult Request(const HostPlatform::CallerIdentity &caller, const std::string &paramStr,
+    CallResult Request(const HostPlatform::CallerIdentity &caller, const std::string &paramStr,
         const OHOS::sptr<OHOS::IRemoteObject> &callback, const std::u16string &descriptor, uint32_t code) const;
-    VornClient::CallResult Event(const HostPlatform::CallerIdentity &caller, const std::string &paramStr,
+    CallResult Event(const HostPlatform::CallerIdentity &caller, const std::string &paramStr,
         const std::u16string &descriptor, uint32_t code) const;
 
 private:
-    VornClient::ServiceClient client_;
+    OHOS::sptr<OHOS::IRemoteObject> service_;
 };
 } // namespace Vornctl
 

@@ -2,11 +2,12 @@
 #define VORN_UTILS_ASYNC_TASK_EXECUTOR_H
 
 #include <functional>
-#include <future>
 #include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
+
+#include "ffrt_inner.h"
 
 namespace OHOS {
 namespace Vorn {
@@ -30,14 +31,15 @@ public:
         (void)taskName;
     }
 
-    // Runs `func` as a named task and hands back the future of its result. The packaged task is
-    // shared so that dropping the future never waits for the task, and a task that throws leaves
-    // its exception in the future rather than on the pool thread.
+    // Runs `func` as a named task and hands back the future of its result. Waiting on that future
+    // from a task suspends the task and frees its worker for others, the awaited task included.
+    // The packaged task is shared so that dropping the future never waits for the task, and a
+    // task that throws leaves its exception in the future rather than on the pool thread.
     template <typename F, typename R = std::invoke_result_t<std::decay_t<F>>>
-    std::future<R> Submit(F &&func, const std::string &taskName, long delayMs = 0)
+    ffrt::future<R> Submit(F &&func, const std::string &taskName, long delayMs = 0)
     {
-        auto task = std::make_shared<std::packaged_task<R()>>(std::forward<F>(func));
-        std::future<R> future = task->get_future();
+        auto task = std::make_shared<ffrt::packaged_task<R()>>(std::forward<F>(func));
+        ffrt::future<R> future = task->get_future();
         PostTaskDelay([task]() { (*task)(); }, taskName, delayMs);
         return future;
     }

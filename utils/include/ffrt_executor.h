@@ -1,6 +1,7 @@
 #ifndef VORN_UTILS_FFRT_EXECUTOR_H
 #define VORN_UTILS_FFRT_EXECUTOR_H
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -31,6 +32,9 @@ public:
 
     // Number of queued tasks whose handle is still tracked (always 0 in NORMAL_SUBMIT mode).
     int PendingHandleCount();
+    // Tasks posted and not yet started, and tasks started and not yet done (for the dump).
+    int64_t TasksWaiting() const;
+    int64_t TasksRunning() const;
 
 private:
     // The runtime hands out opaque pointers; these holders release them with the runtime's own
@@ -38,18 +42,24 @@ private:
     using QueueHolder = std::shared_ptr<void>;
     using TaskHandleHolder = std::shared_ptr<void>;
     using TaskHandleMap = SafeMap<std::string, TaskHandleHolder>;
+    // Shared with every submitted closure, like the handle map, so a task that outlives its
+    // executor still has them to update.
+    struct TaskState {
+        TaskHandleMap handles;
+        std::atomic<int64_t> waiting {0};
+        std::atomic<int64_t> running {0};
+    };
+    class RunningTask;
 
     // Not named Submit: that would hide AsyncTaskExecutor::Submit from holders of an FFRTExecutor.
     bool Enqueue(std::function<void()> task, const std::string &taskName, bool delayed, long delayMs);
     std::function<void()> MakeClosure(std::function<void()> task, const std::string &taskName) const;
-    static void RunAndForget(const std::function<void()> &task, const std::string &taskName, TaskHandleMap &handles);
+    static void RunAndForget(const std::function<void()> &task, const std::string &taskName, TaskState &state);
 
     std::string name_;
     Mode mode_;
     QueueHolder queue_;
-    // Shared with every submitted closure, so a task that finishes after its executor is gone
-    // still has a map to clean up.
-    std::shared_ptr<TaskHandleMap> taskHandles_;
+    std::shared_ptr<TaskState> state_;
 };
 } // namespace Vorn
 } // namespace OHOS

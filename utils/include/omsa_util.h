@@ -12,6 +12,8 @@ namespace Vorn {
 class OMSAUtil {
 public:
     static int32_t Init();
+    // Whether the analytics client has been set up (for the service's dump).
+    static bool IsInited();
     static std::string GetCollectUrl();
     // Called on the IPC thread: stamps the caller's uid and posts the report.
     static void OnOmsaEvent(std::string eventId, std::string content);

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
+#include <vector>
 
 #include "async_task_executor.h"
 
@@ -20,6 +22,14 @@ class VornThread {
 public:
     // Any type other than HTTP_POOL selects the binder pool.
     static std::shared_ptr<AsyncTaskExecutor> GetThreadPool(VornThreadPoolType type);
+
+    struct PoolStatus {
+        std::string name;
+        int64_t running = 0;
+        int64_t waiting = 0;
+    };
+    // The pools made so far, with their tasks running and waiting; creates none.
+    static std::vector<PoolStatus> PoolStatuses();
 
 private:
     // Declaration order fixes destruction at exit: binder pool, then HTTP pool, then the lock.

@@ -89,7 +89,7 @@ private:
 } // namespace
 
 FFRTExecutor::FFRTExecutor(const std::string &name, Mode mode)
-    : name_(name), mode_(mode), taskHandles_(std::make_shared<TaskHandleMap>())
+    : name_(name), mode_(mode), state_(std::make_shared<TaskState>())
 {
     if (mode_ == Mode::NORMAL_SUBMIT) {
         VORN_COMMON_LOGI("created. mode:NORMAL_SUBMIT. name:%{public}s", name_.c_str());
@@ -106,7 +106,7 @@ FFRTExecutor::FFRTExecutor(const std::string &name, Mode mode)
 
 FFRTExecutor::~FFRTExecutor()
 {
-    taskHandles_->Clear();
+    state_->handles.Clear();
     queue_.reset();
 }
 
@@ -149,7 +149,7 @@ bool FFRTExecutor::Enqueue(std::function<void()> task, const std::string &taskNa
     // before the entry exists, which would leave a stale handle behind.
     bool submitted = false;
     bool slotWasEmpty = false;
-    taskHandles_->ChangeValueByLambda(taskName, [&](TaskHandleHolder &slot) {
+    state_->handles.ChangeValueByLambda(taskName, [&](TaskHandleHolder &slot) {
         slotWasEmpty = slot == nullptr;
         ffrt_task_handle_t handle = ffrt_queue_submit_h(queue_.get(),
             WrapFunction(MakeClosure(task, taskName), ffrt_function_kind_queue), attr.Get());
@@ -162,10 +162,11 @@ bool FFRTExecutor::Enqueue(std::function<void()> task, const std::string &taskNa
         return true;
     }
     if (slotWasEmpty) {
-        taskHandles_->Erase(taskName);
+        state_->handles.Erase(taskName);
     }
     if (delayed) {
         VORN_COMMON_LOGE("FFRT is broken! Abort PostDelayTask.");
+        state_->waiting.fetch_sub(1, std::memory_order_relaxed);
         return true;
     }
     VORN_COMMON_LOGE("FFRT is broken! Use std::thread.");
@@ -175,28 +176,61 @@ bool FFRTExecutor::Enqueue(std::function<void()> task, const std::string &taskNa
     return true;
 }
 
+// Moves one task from waiting to running for its lifetime, also when the task throws.
+class FFRTExecutor::RunningTask {
+public:
+    explicit RunningTask(TaskState &state) : state_(state)
+    {
+        state_.waiting.fetch_sub(1, std::memory_order_relaxed);
+        state_.running.fetch_add(1, std::memory_order_relaxed);
+    }
+    ~RunningTask()
+    {
+        state_.running.fetch_sub(1, std::memory_order_relaxed);
+    }
+    RunningTask(const RunningTask &) = delete;
+    RunningTask &operator=(const RunningTask &) = delete;
+
+private:
+    TaskState &state_;
+};
+
 std::function<void()> FFRTExecutor::MakeClosure(std::function<void()> task, const std::string &taskName) const
 {
-    return [handles = taskHandles_, task = std::move(task), taskName]() { RunAndForget(task, taskName, *handles); };
+    state_->waiting.fetch_add(1, std::memory_order_relaxed);
+    return [state = state_, task = std::move(task), taskName]() {
+        RunningTask running(*state);
+        RunAndForget(task, taskName, *state);
+    };
 }
 
 void FFRTExecutor::RunTask(const std::function<void()> &task, const std::string &taskName)
 {
-    RunAndForget(task, taskName, *taskHandles_);
+    RunAndForget(task, taskName, *state_);
 }
 
 void FFRTExecutor::RunAndForget(const std::function<void()> &task, const std::string &taskName,
-    TaskHandleMap &handles)
+    TaskState &state)
 {
     VORN_COMMON_LOGI("start. taskName:%{public}s", taskName.c_str());
     task();
     VORN_COMMON_LOGI("done. taskName:%{public}s", taskName.c_str());
-    handles.Erase(taskName);
+    state.handles.Erase(taskName);
 }
 
 int FFRTExecutor::PendingHandleCount()
 {
-    return taskHandles_->Size();
+    return state_->handles.Size();
+}
+
+int64_t FFRTExecutor::TasksWaiting() const
+{
+    return state_->waiting.load(std::memory_order_relaxed);
+}
+
+int64_t FFRTExecutor::TasksRunning() const
+{
+    return state_->running.load(std::memory_order_relaxed);
 }
 } // namespace Vorn
 } // namespace OHOS

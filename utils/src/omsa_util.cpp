@@ -14,6 +14,7 @@
 #include "ipc_skeleton.h"
 #include "omsa_client_lite_api.h"
 #include "vorn_log.h"
+#include "vorn_metrics.h"
 #include "vorn_sa_id.h"
 
 namespace OHOS {
@@ -72,6 +73,11 @@ int32_t OMSAUtil::Init()
     return 0;
 }
 
+bool OMSAUtil::IsInited()
+{
+    return g_inited.load(std::memory_order_relaxed);
+}
+
 std::string OMSAUtil::GetCollectUrl()
 {
     std::string content;
@@ -98,6 +104,7 @@ void OMSAUtil::OnOmsaEvent(std::string eventId, std::string content)
 {
     if (!g_inited.load(std::memory_order_relaxed) && Init() != 0) {
         VORN_LOGW("OMSAUtil::OnOmsaEvent, not inited.");
+        VornMetrics::Add(VornMetrics::Counter::EVENTS_DROPPED);
         return;
     }
     std::unordered_map<std::string, std::string> eventData = BaseEvent::EventDataJsonToMap(content);
@@ -115,11 +122,15 @@ void OMSAUtil::OnEvent(std::string eventId, std::unordered_map<std::string, std:
 {
     if (!g_inited.load(std::memory_order_relaxed)) {
         VORN_LOGW("OnEvent OMSA not inited");
+        VornMetrics::Add(VornMetrics::Counter::EVENTS_DROPPED);
         return;
     }
     if (OmsaClientLiteApi::OnEvent(SERVICE_TAG, EventTypeLite::OPERATION, eventId, eventData).code != 0) {
         VORN_LOGW("OMSA report failed");
+        VornMetrics::Add(VornMetrics::Counter::EVENTS_DROPPED);
+        return;
     }
+    VornMetrics::Add(VornMetrics::Counter::EVENTS_REPORTED);
 }
 } // namespace Vorn
 } // namespace OHOS

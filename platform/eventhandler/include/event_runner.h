@@ -10,7 +10,6 @@
 #include "errors.h"
 #include "event_handler_errors.h"
 #include "event_queue.h"
-#include "lock_base.h"
 #include "nocopyable.h"
 
 namespace OHOS {
@@ -21,32 +20,19 @@ enum class Mode : uint32_t {
     NO_WAIT,
 };
 
-// Both modes give the runner a thread of its own on the host.
-enum class ThreadMode : uint32_t {
-    NEW_THREAD = 0,
-    FFRT,
-};
-
 // Handles the events of its queue one at a time. A runner made with a new thread (or with a
 // name) owns that thread, which ends when the last reference to the runner goes; Run() and
 // Stop() are refused for it. A runner made with Create(false) is driven by whichever thread
 // calls Run(), which handles events until Stop().
 class EventRunner final {
 public:
-    static std::shared_ptr<EventRunner> Create(bool inNewThread = true, Mode mode = Mode::DEFAULT,
-        EventLockType lockType = EventLockType::STANDARD);
-    static std::shared_ptr<EventRunner> Create(bool inNewThread, ThreadMode threadMode);
-    static std::shared_ptr<EventRunner> Create(const std::string &threadName, Mode mode = Mode::DEFAULT,
-        EventLockType lockType = EventLockType::STANDARD);
-    static std::shared_ptr<EventRunner> Create(const std::string &threadName, ThreadMode threadMode);
-    static inline std::shared_ptr<EventRunner> Create(const char *threadName, Mode mode = Mode::DEFAULT,
-        EventLockType lockType = EventLockType::STANDARD)
+    // The overloads of the 5.0 release: later releases add ThreadMode overloads and a lock
+    // type, which code built for 5.0 cannot name.
+    static std::shared_ptr<EventRunner> Create(bool inNewThread = true, Mode mode = Mode::DEFAULT);
+    static std::shared_ptr<EventRunner> Create(const std::string &threadName, Mode mode = Mode::DEFAULT);
+    static inline std::shared_ptr<EventRunner> Create(const char *threadName, Mode mode = Mode::DEFAULT)
     {
-        return Create(std::string(threadName == nullptr ? "" : threadName), mode, lockType);
-    }
-    static inline std::shared_ptr<EventRunner> Create(const char *threadName, ThreadMode threadMode)
-    {
-        return Create(std::string(threadName == nullptr ? "" : threadName), threadMode);
+        return Create(std::string(threadName == nullptr ? "" : threadName), mode);
     }
 
     // The runner whose loop runs on the calling thread, or null.

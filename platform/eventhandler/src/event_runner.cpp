@@ -49,22 +49,12 @@ std::shared_ptr<EventRunner> EventRunner::CreateRunner(bool deposit, std::string
     return runner;
 }
 
-std::shared_ptr<EventRunner> EventRunner::Create(bool inNewThread, Mode, EventLockType)
+std::shared_ptr<EventRunner> EventRunner::Create(bool inNewThread, Mode)
 {
     return CreateRunner(inNewThread, DefaultRunnerName());
 }
 
-std::shared_ptr<EventRunner> EventRunner::Create(bool inNewThread, ThreadMode)
-{
-    return CreateRunner(inNewThread, DefaultRunnerName());
-}
-
-std::shared_ptr<EventRunner> EventRunner::Create(const std::string &threadName, Mode, EventLockType)
-{
-    return CreateRunner(true, threadName.empty() ? DefaultRunnerName() : threadName);
-}
-
-std::shared_ptr<EventRunner> EventRunner::Create(const std::string &threadName, ThreadMode)
+std::shared_ptr<EventRunner> EventRunner::Create(const std::string &threadName, Mode)
 {
     return CreateRunner(true, threadName.empty() ? DefaultRunnerName() : threadName);
 }

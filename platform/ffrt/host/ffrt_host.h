@@ -11,10 +11,21 @@ namespace HostPlatform {
 bool FfrtIsIdle();
 // Waits until FfrtIsIdle() holds or the timeout passes; returns whether it holds.
 bool FfrtWaitIdle(std::chrono::milliseconds timeout);
-// Worker threads alive now; grows while every worker is busy, shrinks after idling.
+// Worker threads alive now, over all QoS levels; a thread parked under a task suspended in a
+// runtime wait is not counted. Grows while ready work finds no idle worker, shrinks after idling.
 size_t FfrtWorkerCount();
-// Most worker threads alive at once since the process started.
+// Most worker threads alive at once since the process started (or the last FfrtResetPeaks).
 size_t FfrtPeakWorkerCount();
+// Tasks holding a running slot now, over all QoS levels (blocked in std:: waits included).
+size_t FfrtRunningCount();
+// Most tasks holding a running slot of one QoS level at once since start or FfrtResetPeaks.
+size_t FfrtPeakRunningCount();
+// Starts both peaks afresh from the present counts.
+void FfrtResetPeaks();
+// The limits per QoS level in force: running workers (VORN_FFRT_WORKERS, default 8) and worker
+// threads (VORN_FFRT_THREADS, default 16). Read once, when the runtime starts.
+size_t FfrtRunningWorkerLimit();
+size_t FfrtWorkerThreadLimit();
 // While set, queue submissions fail: ffrt_queue_submit_h returns null and every ffrt_queue_submit*
 // destroys its task without running it. Lets tests take the paths for a runtime gone bad.
 void FfrtSetQueueSubmitBroken(bool broken);

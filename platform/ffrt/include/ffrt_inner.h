@@ -4,4 +4,8 @@
 #include "ffrt.h"
 #include "c/queue_ext.h"
 
+#ifdef __cplusplus
+#include "cpp/future.h"
+#endif
+
 #endif // FFRT_INNER_API_FFRT_INNER_H

@@ -23,6 +23,31 @@ size_t FfrtPeakWorkerCount()
     return HostFfrt::Runtime::Instance().PeakWorkerCount();
 }
 
+size_t FfrtRunningCount()
+{
+    return HostFfrt::Runtime::Instance().RunningCount();
+}
+
+size_t FfrtPeakRunningCount()
+{
+    return HostFfrt::Runtime::Instance().PeakRunningCount();
+}
+
+void FfrtResetPeaks()
+{
+    HostFfrt::Runtime::Instance().ResetPeaks();
+}
+
+size_t FfrtRunningWorkerLimit()
+{
+    return HostFfrt::Runtime::Instance().WorkerLimit();
+}
+
+size_t FfrtWorkerThreadLimit()
+{
+    return HostFfrt::Runtime::Instance().ThreadLimit();
+}
+
 void FfrtSetQueueSubmitBroken(bool broken)
 {
     HostFfrt::Runtime::Instance().SetQueueSubmitBroken(broken);

@@ -1,6 +1,7 @@
 #include "runtime.h"
 
 #include <algorithm>
+#include <cstdlib>
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
@@ -13,7 +14,11 @@
 
 namespace HostFfrt {
 namespace {
-constexpr size_t MAX_WORKERS = 512;
+constexpr size_t DEFAULT_WORKER_LIMIT = 8;
+constexpr size_t DEFAULT_THREAD_LIMIT = 16;
+// The device accepts at most this many threads per QoS level, whatever it is configured to.
+constexpr size_t MAX_LIMIT = 128;
+constexpr size_t GROUP_COUNT = ffrt_qos_max + 1;
 // Workers beyond the base set leave after this long without work.
 constexpr std::chrono::seconds WORKER_IDLE_TIMEOUT {3};
 constexpr std::chrono::milliseconds TRIM_DELAY {500};
@@ -22,6 +27,21 @@ constexpr std::chrono::milliseconds TRIM_DELAY {500};
 constexpr uint64_t MAX_DELAY_US = 100ULL * 365 * 24 * 3600 * 1000 * 1000;
 
 thread_local RuntimeTask *g_currentTask = nullptr;
+
+// A limit from the environment; anything but a whole number in 1..MAX_LIMIT keeps the default.
+size_t LimitFromEnv(const char *name, size_t fallback)
+{
+    const char *text = std::getenv(name);
+    if (text == nullptr || *text == '\0') {
+        return fallback;
+    }
+    char *end = nullptr;
+    unsigned long value = std::strtoul(text, &end, 10);
+    if (*end != '\0' || value == 0 || value > MAX_LIMIT) {
+        return fallback;
+    }
+    return static_cast<size_t>(value);
+}
 // Children of the running task (or, outside tasks, of the thread) that ffrt_wait waits for.
 thread_local std::shared_ptr<WaitGroup> g_waitGroup;
 
@@ -51,8 +71,17 @@ Runtime &Runtime::Instance()
     return *instance;
 }
 
-Runtime::Runtime() : baseWorkers_(std::max<size_t>(2, std::thread::hardware_concurrency()))
+Runtime::Runtime()
+    : workerLimit_(LimitFromEnv("VORN_FFRT_WORKERS", DEFAULT_WORKER_LIMIT)),
+      threadLimit_(LimitFromEnv("VORN_FFRT_THREADS", DEFAULT_THREAD_LIMIT)),
+      baseWorkers_(std::min<size_t>(threadLimit_, std::max<size_t>(2, std::thread::hardware_concurrency()))),
+      groups_(GROUP_COUNT)
 {
+}
+
+size_t Runtime::GroupIndex(ffrt_qos_t qos)
+{
+    return qos >= 0 && static_cast<size_t>(qos) < GROUP_COUNT ? static_cast<size_t>(qos) : static_cast<size_t>(ffrt_qos_default);
 }
 
 RuntimeTask *Runtime::CurrentTask()
@@ -126,69 +155,183 @@ void Runtime::Dispatch(TaskQueue &queue)
 void Runtime::PushToPool(RuntimeTask *task)
 {
     task->state = TaskState::DISPATCHED;
-    ready_.push_back(task);
-    // Every ready task needs a worker of its own that is not stuck inside another task.
-    if (ready_.size() > idleWorkers_) {
-        SpawnWorker();
-    }
-    workAvailable_.notify_one();
+    task->slotGroup = GroupIndex(task->qos);
+    groups_[task->slotGroup].ready.push_back(task);
+    Kick(groups_[task->slotGroup]);
 }
 
-void Runtime::SpawnWorker()
+// Hands free running slots to woken tasks first (they are older work), then to ready tasks. A
+// woken task's thread becomes a worker thread again, so it also needs room under the thread
+// limit; when there is none, an idle worker leaves to make it.
+void Runtime::Grant(WorkerGroup &group)
 {
-    if (workers_ >= MAX_WORKERS) {
-        return;
+    while (!group.resuming.empty() && group.running < workerLimit_ && group.threads < threadLimit_) {
+        Resumer *resumer = group.resuming.front();
+        group.resuming.pop_front();
+        resumer->granted = true;
+        ++group.running;
+        peakRunning_ = std::max(peakRunning_, group.running);
+        CountThread(group, true);
+        resumer->wake.notify_one();
     }
-    ++workers_;
-    ++idleWorkers_;
+    if (NeedsRoomForResumer(group)) {
+        group.workAvailable.notify_all();
+    }
+    Kick(group);
+}
+
+bool Runtime::NeedsRoomForResumer(const WorkerGroup &group) const
+{
+    return !group.resuming.empty() && group.running < workerLimit_ && group.threads >= threadLimit_;
+}
+
+// Wakes or starts a worker for every ready task that a free running slot allows, within the
+// thread limit.
+void Runtime::Kick(WorkerGroup &group)
+{
+    const size_t freeSlots = group.running < workerLimit_ ? workerLimit_ - group.running : 0;
+    const size_t startable = std::min(group.ready.size(), freeSlots);
+    const size_t groupIndex = static_cast<size_t>(&group - groups_.data());
+    while (group.idle < startable && group.threads < threadLimit_) {
+        if (!SpawnWorker(groupIndex)) {
+            break;
+        }
+    }
+    if (startable > 0) {
+        group.workAvailable.notify_all();
+    }
+}
+
+bool Runtime::SpawnWorker(size_t groupIndex)
+{
+    WorkerGroup &group = groups_[groupIndex];
+    CountThread(group, true);
+    ++group.idle;
     try {
-        std::thread([this] { WorkerMain(); }).detach();
+        std::thread([this, groupIndex] { WorkerMain(groupIndex); }).detach();
     } catch (const std::system_error &) {
         // Out of threads: the task waits for one of the existing workers.
-        --workers_;
-        --idleWorkers_;
-        return;
+        CountThread(group, false);
+        --group.idle;
+        return false;
     }
-    peakWorkers_ = std::max(peakWorkers_, workers_);
+    return true;
 }
 
-void Runtime::WorkerMain()
+void Runtime::CountThread(WorkerGroup &group, bool added)
 {
+    if (!added) {
+        --group.threads;
+        --threads_;
+        return;
+    }
+    ++group.threads;
+    ++threads_;
+    peakThreads_ = std::max(peakThreads_, threads_);
+}
+
+void Runtime::WorkerMain(size_t groupIndex)
+{
+    WorkerGroup &group = groups_[groupIndex];
     Lock lock(mutex_);
     Clock::time_point idleSince = Clock::now();
     for (;;) {
-        if (!ready_.empty()) {
-            RuntimeTask *task = ready_.front();
-            ready_.pop_front();
-            --idleWorkers_;
-            task->state = TaskState::RUNNING;
-            lock.unlock();
-            RunOnThisThread(task);
-            lock.lock();
-            ++idleWorkers_;
-            if (task->queue != nullptr) {
-                --task->queue->active;
-            }
-            Settle(task, TaskState::FINISHED);
+        if (NeedsRoomForResumer(group)) {
+            CountThread(group, false);
+            --group.idle;
+            Grant(group);
+            return;
+        }
+        if (!group.ready.empty() && group.running < workerLimit_) {
+            RunTask(lock, group, groupIndex);
             idleSince = Clock::now();
             continue;
         }
-        if (workers_ <= baseWorkers_) {
-            workAvailable_.wait(lock);
+        if (group.threads <= baseWorkers_) {
+            group.workAvailable.wait(lock);
             continue;
         }
         if (Clock::now() >= idleSince + WORKER_IDLE_TIMEOUT) {
-            --workers_;
-            --idleWorkers_;
-            const bool lastExtraWorker = workers_ == baseWorkers_;
+            CountThread(group, false);
+            --group.idle;
+            const bool lastExtraWorker = group.threads == baseWorkers_;
             lock.unlock();
             if (lastExtraWorker) {
                 ReturnFreeMemory();
             }
             return;
         }
-        workAvailable_.wait_until(lock, idleSince + WORKER_IDLE_TIMEOUT);
+        group.workAvailable.wait_until(lock, idleSince + WORKER_IDLE_TIMEOUT);
     }
+}
+
+void Runtime::RunTask(Lock &lock, WorkerGroup &group, size_t groupIndex)
+{
+    RuntimeTask *task = group.ready.front();
+    group.ready.pop_front();
+    --group.idle;
+    ++group.running;
+    peakRunning_ = std::max(peakRunning_, group.running);
+    task->state = TaskState::RUNNING;
+    task->slotGroup = groupIndex;
+    lock.unlock();
+    RunOnThisThread(task);
+    lock.lock();
+    --group.running;
+    ++group.idle;
+    if (task->queue != nullptr) {
+        --task->queue->active;
+    }
+    Settle(task, TaskState::FINISHED);
+    Grant(group);
+}
+
+bool Runtime::LeaveSlot()
+{
+    RuntimeTask *task = CurrentTask();
+    if (task == nullptr) {
+        return false;
+    }
+    Lock lock(mutex_);
+    LeaveSlotLocked(*task);
+    return true;
+}
+
+void Runtime::TakeSlot()
+{
+    Lock lock(mutex_);
+    TakeSlotLocked(lock, *CurrentTask());
+}
+
+void Runtime::LeaveSlotLocked(RuntimeTask &task)
+{
+    WorkerGroup &group = groups_[task.slotGroup];
+    --group.running;
+    CountThread(group, false);
+    Grant(group);
+}
+
+void Runtime::TakeSlotLocked(Lock &lock, RuntimeTask &task)
+{
+    WorkerGroup &group = groups_[task.slotGroup];
+    Resumer resumer;
+    group.resuming.push_back(&resumer);
+    Grant(group);
+    resumer.wake.wait(lock, [&resumer] { return resumer.granted; });
+}
+
+// Waits on the runtime's own condition; a task waiting here gives its slot back meanwhile.
+template <typename Pred>
+void Runtime::WaitSettled(Lock &lock, Pred pred)
+{
+    RuntimeTask *task = CurrentTask();
+    if (pred() || task == nullptr) {
+        settled_.wait(lock, pred);
+        return;
+    }
+    LeaveSlotLocked(*task);
+    settled_.wait(lock, pred);
+    TakeSlotLocked(lock, *task);
 }
 
 // The pool is back to its base set after a burst. glibc keeps what the burst's workers freed in
@@ -250,12 +393,14 @@ bool Runtime::Withdraw(RuntimeTask *task)
         case TaskState::QUEUED:
             queue->waiting.erase(std::find(queue->waiting.begin(), queue->waiting.end(), task));
             break;
-        case TaskState::DISPATCHED:
-            ready_.erase(std::find(ready_.begin(), ready_.end(), task));
+        case TaskState::DISPATCHED: {
+            std::deque<RuntimeTask *> &ready = groups_[task->slotGroup].ready;
+            ready.erase(std::find(ready.begin(), ready.end(), task));
             if (queue != nullptr) {
                 --queue->active;
             }
             break;
+        }
         default:
             return false;
     }
@@ -311,14 +456,14 @@ int Runtime::Cancel(RuntimeTask *task)
 void Runtime::Wait(RuntimeTask *task)
 {
     Lock lock(mutex_);
-    settled_.wait(lock, [task] { return task->Settled(); });
+    WaitSettled(lock, [task] { return task->Settled(); });
 }
 
 void Runtime::WaitForSubmittedTasks()
 {
     std::shared_ptr<WaitGroup> group = CurrentWaitGroup();
     Lock lock(mutex_);
-    settled_.wait(lock, [&group] { return group->outstanding == 0; });
+    WaitSettled(lock, [&group] { return group->outstanding == 0; });
 }
 
 TaskQueue *Runtime::CreateQueue(const std::string &name, ffrt_qos_t qos, int maxConcurrency)
@@ -339,9 +484,11 @@ void Runtime::DestroyQueue(TaskQueue *queue)
             pending.push_back(task);
         }
     }
-    for (RuntimeTask *task : ready_) {
-        if (task->queue == queue) {
-            pending.push_back(task);
+    for (const WorkerGroup &group : groups_) {
+        for (RuntimeTask *task : group.ready) {
+            if (task->queue == queue) {
+                pending.push_back(task);
+            }
         }
     }
     for (RuntimeTask *task : pending) {
@@ -354,7 +501,7 @@ void Runtime::DestroyQueue(TaskQueue *queue)
         queue->orphaned = true;
         return;
     }
-    settled_.wait(lock, [queue] { return queue->active == 0; });
+    WaitSettled(lock, [queue] { return queue->active == 0; });
     queues_.erase(queue);
 }
 
@@ -379,12 +526,49 @@ bool Runtime::WaitIdle(std::chrono::milliseconds timeout)
 size_t Runtime::WorkerCount()
 {
     Lock lock(mutex_);
-    return workers_;
+    return threads_;
 }
 
 size_t Runtime::PeakWorkerCount()
 {
     Lock lock(mutex_);
-    return peakWorkers_;
+    return peakThreads_;
+}
+
+size_t Runtime::RunningCount()
+{
+    Lock lock(mutex_);
+    size_t running = 0;
+    for (const WorkerGroup &group : groups_) {
+        running += group.running;
+    }
+    return running;
+}
+
+size_t Runtime::PeakRunningCount()
+{
+    Lock lock(mutex_);
+    return peakRunning_;
+}
+
+void Runtime::ResetPeaks()
+{
+    Lock lock(mutex_);
+    peakThreads_ = threads_;
+    peakRunning_ = 0;
+    for (const WorkerGroup &group : groups_) {
+        peakRunning_ = std::max(peakRunning_, group.running);
+    }
+}
+
+TaskSuspension::TaskSuspension() : suspended_(Runtime::Instance().LeaveSlot())
+{
+}
+
+TaskSuspension::~TaskSuspension()
+{
+    if (suspended_) {
+        Runtime::Instance().TakeSlot();
+    }
 }
 } // namespace HostFfrt

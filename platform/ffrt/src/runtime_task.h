@@ -58,6 +58,7 @@ struct RuntimeTask {
     std::atomic<uint32_t> refs;
     uint64_t id = 0;
     Clock::time_point due {};
+    size_t slotGroup = 0; // the worker group whose running slot the task holds while it runs
     TaskState state = TaskState::DELAYED;
 };
 } // namespace HostFfrt

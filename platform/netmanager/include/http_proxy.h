@@ -11,6 +11,7 @@
 namespace OHOS {
 namespace NetManagerStandard {
 // On the host the proxy is a plain value: it never crosses a parcel, so it is no Parcelable.
+// The 5.0 release has no user id on a proxy (it came with per-user proxies in 6.0).
 class HttpProxy final {
 public:
     HttpProxy();
@@ -23,7 +24,6 @@ public:
     [[nodiscard]] std::string ToString() const;
     [[nodiscard]] SecureData GetUsername() const;
     [[nodiscard]] SecureData GetPassword() const;
-    [[nodiscard]] int32_t GetUserId() const;
     // Reads the form ToString writes; nullopt when the text is not such a proxy.
     [[nodiscard]] static std::optional<HttpProxy> FromString(const std::string &str);
 
@@ -32,7 +32,6 @@ public:
     void SetExclusionList(const std::list<std::string> &list);
     void SetUserName(const SecureData &userName);
     void SetPassword(const SecureData &password);
-    void SetUserId(int32_t userId);
 
     bool operator==(const HttpProxy &httpProxy) const;
     bool operator!=(const HttpProxy &httpProxy) const;
@@ -43,7 +42,6 @@ private:
     SecureData username_;
     SecureData password_;
     std::list<std::string> exclusionList_;
-    int32_t userId_ = -1;
 };
 } // namespace NetManagerStandard
 } // namespace OHOS

@@ -106,11 +106,6 @@ SecureData HttpProxy::GetPassword() const
     return password_;
 }
 
-int32_t HttpProxy::GetUserId() const
-{
-    return userId_;
-}
-
 // The port follows the last colon, so a host may carry a scheme ("https://proxy.local:3129").
 std::optional<HttpProxy> HttpProxy::FromString(const std::string &str)
 {
@@ -156,15 +151,10 @@ void HttpProxy::SetPassword(const SecureData &password)
     password_ = password;
 }
 
-void HttpProxy::SetUserId(int32_t userId)
-{
-    userId_ = userId;
-}
-
 bool HttpProxy::operator==(const HttpProxy &httpProxy) const
 {
     return host_ == httpProxy.host_ && port_ == httpProxy.port_ && exclusionList_ == httpProxy.exclusionList_ &&
-        username_ == httpProxy.username_ && password_ == httpProxy.password_ && userId_ == httpProxy.userId_;
+        username_ == httpProxy.username_ && password_ == httpProxy.password_;
 }
 
 bool HttpProxy::operator!=(const HttpProxy &httpProxy) const

@@ -89,6 +89,28 @@ typedef struct {
 typedef void *ffrt_task_handle_t;
 
 typedef enum {
+    ffrt_mutex_normal = 0,
+    ffrt_mutex_recursive = 2,
+    ffrt_mutex_default = ffrt_mutex_normal,
+} ffrt_mutex_type;
+
+typedef struct {
+    long storage;
+} ffrt_mutexattr_t;
+
+typedef struct {
+    uint32_t storage[(ffrt_mutex_storage_size + sizeof(uint32_t) - 1) / sizeof(uint32_t)];
+} ffrt_mutex_t;
+
+typedef struct {
+    long storage;
+} ffrt_condattr_t;
+
+typedef struct {
+    uint32_t storage[(ffrt_cond_storage_size + sizeof(uint32_t) - 1) / sizeof(uint32_t)];
+} ffrt_cond_t;
+
+typedef enum {
     ffrt_error = -1,
     ffrt_success = 0,
     ffrt_error_nomem = ENOMEM,

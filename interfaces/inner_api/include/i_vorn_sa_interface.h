@@ -1,5 +1,5 @@
-#ifndef VORN_SERVICE_I_VORN_SA_INTERFACE_H
-#define VORN_SERVICE_I_VORN_SA_INTERFACE_H
+#ifndef VORN_INNER_API_I_VORN_SA_INTERFACE_H
+#define VORN_INNER_API_I_VORN_SA_INTERFACE_H
 
 #include <cstdint>
 #include <string>
@@ -26,4 +26,4 @@ public:
 } // namespace Vorn
 } // namespace OHOS
 
-#endif // VORN_SERVICE_I_VORN_SA_INTERFACE_H
+#endif // VORN_INNER_API_I_VORN_SA_INTERFACE_H

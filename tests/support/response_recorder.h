@@ -1,27 +1,22 @@
-#ifndef VORN_TOOLS_CLIENT_RESPONSE_RECORDER_H
-#define VORN_TOOLS_CLIENT_RESPONSE_RECORDER_H
+#ifndef VORN_TESTS_SUPPORT_RESPONSE_RECORDER_H
+#define VORN_TESTS_SUPPORT_RESPONSE_RECORDER_H
 
 #include <chrono>
 #include <condition_variable>
-#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
 
 #include "i_vorn_request_callback.h"
-#include "iremote_stub.h"
+#include "vorn_request_callback_stub.h"
 
-namespace VornClient {
-// A client's callback object, as a client process hosts it: records every response it is sent,
+namespace VornTest {
+// A client's callback object (the client kit's stub) that records every response it is sent,
 // in arrival order.
-class ResponseRecorder : public OHOS::IRemoteStub<OHOS::Vorn::IVornRequestCallback> {
+class ResponseRecorder : public OHOS::Vorn::VornRequestCallbackStub {
 public:
-    using Listener = std::function<void(const std::string &)>;
+    ResponseRecorder() = default;
 
-    explicit ResponseRecorder(Listener listener = nullptr);
-
-    int OnRemoteRequest(uint32_t code, OHOS::MessageParcel &data, OHOS::MessageParcel &reply,
-        OHOS::MessageOption &option) override;
     void OnResponse(const std::string &response) override;
 
     // What the service holds for this callback when the client is another process: a proxy
@@ -34,11 +29,10 @@ public:
     bool WaitForCount(size_t count, std::chrono::milliseconds timeout) const;
 
 private:
-    Listener listener_;
     mutable std::mutex mutex_;
     mutable std::condition_variable arrived_;
     std::vector<std::string> responses_;
 };
-} // namespace VornClient
+} // namespace VornTest
 
-#endif // VORN_TOOLS_CLIENT_RESPONSE_RECORDER_H
+#endif // VORN_TESTS_SUPPORT_RESPONSE_RECORDER_H

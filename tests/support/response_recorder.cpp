@@ -1,33 +1,13 @@
 #include "response_recorder.h"
 
 #include "ipc_host.h"
-#include "ipc_types.h"
 
-namespace VornClient {
-ResponseRecorder::ResponseRecorder(Listener listener) : listener_(std::move(listener)) {}
-
-int ResponseRecorder::OnRemoteRequest(uint32_t code, OHOS::MessageParcel &data, OHOS::MessageParcel &reply,
-    OHOS::MessageOption &option)
-{
-    if (code != ON_RESPONSE) {
-        return OHOS::IPCObjectStub::OnRemoteRequest(code, data, reply, option);
-    }
-    if (data.ReadInterfaceToken() != GetDescriptor()) {
-        return OHOS::ERR_INVALID_DATA;
-    }
-    OnResponse(data.ReadString());
-    return OHOS::ERR_NONE;
-}
-
+namespace VornTest {
 void ResponseRecorder::OnResponse(const std::string &response)
 {
     {
         std::lock_guard<std::mutex> lock(mutex_);
         responses_.push_back(response);
-        // Called under the lock so that listeners see responses in the order they were recorded.
-        if (listener_) {
-            listener_(response);
-        }
     }
     arrived_.notify_all();
 }
@@ -54,4 +34,4 @@ bool ResponseRecorder::WaitForCount(size_t count, std::chrono::milliseconds time
     std::unique_lock<std::mutex> lock(mutex_);
     return arrived_.wait_for(lock, timeout, [this, count]() { return responses_.size() >= count; });
 }
-} // namespace VornClient
+} // namespace VornTest

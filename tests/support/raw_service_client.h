@@ -1,5 +1,5 @@
-#ifndef VORN_TOOLS_CLIENT_SERVICE_CLIENT_H
-#define VORN_TOOLS_CLIENT_SERVICE_CLIENT_H
+#ifndef VORN_TESTS_SUPPORT_RAW_SERVICE_CLIENT_H
+#define VORN_TESTS_SUPPORT_RAW_SERVICE_CLIENT_H
 
 #include <cstdint>
 #include <optional>
@@ -8,17 +8,17 @@
 #include "i_vorn_sa_interface.h"
 #include "iremote_object.h"
 
-namespace VornClient {
+namespace VornTest {
 struct CallResult {
     int result = 0;                // the transaction result
     std::optional<int32_t> reply;  // the first Int32 of the reply parcel, when it holds one
 };
 
-// Sends the service's two transactions the way a client process writes them. The token and
-// code can be chosen freely so that refusals can be exercised too.
-class ServiceClient {
+// Writes the service's two transactions by hand, with any token and code, so that the
+// service's refusals can be exercised; the client kit's proxy only writes correct ones.
+class RawServiceClient {
 public:
-    explicit ServiceClient(OHOS::sptr<OHOS::IRemoteObject> service);
+    explicit RawServiceClient(OHOS::sptr<OHOS::IRemoteObject> service);
 
     CallResult Request(const std::string &paramStr, const OHOS::sptr<OHOS::IRemoteObject> &callback,
         const std::u16string &descriptor = OHOS::Vorn::IVornSAInterface::GetDescriptor(),
@@ -30,6 +30,6 @@ public:
 private:
     OHOS::sptr<OHOS::IRemoteObject> service_;
 };
-} // namespace VornClient
+} // namespace VornTest
 
-#endif // VORN_TOOLS_CLIENT_SERVICE_CLIENT_H
+#endif // VORN_TESTS_SUPPORT_RAW_SERVICE_CLIENT_H

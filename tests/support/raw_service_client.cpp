@@ -1,9 +1,9 @@
-#include "service_client.h"
+#include "raw_service_client.h"
 
 #include "message_option.h"
 #include "message_parcel.h"
 
-namespace VornClient {
+namespace VornTest {
 namespace {
 CallResult Send(const OHOS::sptr<OHOS::IRemoteObject> &service, uint32_t code, OHOS::MessageParcel &data)
 {
@@ -19,9 +19,9 @@ CallResult Send(const OHOS::sptr<OHOS::IRemoteObject> &service, uint32_t code, O
 }
 } // namespace
 
-ServiceClient::ServiceClient(OHOS::sptr<OHOS::IRemoteObject> service) : service_(std::move(service)) {}
+RawServiceClient::RawServiceClient(OHOS::sptr<OHOS::IRemoteObject> service) : service_(std::move(service)) {}
 
-CallResult ServiceClient::Request(const std::string &paramStr, const OHOS::sptr<OHOS::IRemoteObject> &callback,
+CallResult RawServiceClient::Request(const std::string &paramStr, const OHOS::sptr<OHOS::IRemoteObject> &callback,
     const std::u16string &descriptor, uint32_t code) const
 {
     OHOS::MessageParcel data;
@@ -31,11 +31,11 @@ CallResult ServiceClient::Request(const std::string &paramStr, const OHOS::sptr<
     return Send(service_, code, data);
 }
 
-CallResult ServiceClient::Event(const std::string &paramStr, const std::u16string &descriptor, uint32_t code) const
+CallResult RawServiceClient::Event(const std::string &paramStr, const std::u16string &descriptor, uint32_t code) const
 {
     OHOS::MessageParcel data;
     data.WriteInterfaceToken(descriptor);
     data.WriteString(paramStr);
     return Send(service_, code, data);
 }
-} // namespace VornClient
+} // namespace VornTest

@@ -1,5 +1,5 @@
-#ifndef VORN_SERVICE_I_VORN_REQUEST_CALLBACK_H
-#define VORN_SERVICE_I_VORN_REQUEST_CALLBACK_H
+#ifndef VORN_INNER_API_I_VORN_REQUEST_CALLBACK_H
+#define VORN_INNER_API_I_VORN_REQUEST_CALLBACK_H
 
 #include <cstdint>
 #include <string>
@@ -20,4 +20,4 @@ public:
 } // namespace Vorn
 } // namespace OHOS
 
-#endif // VORN_SERVICE_I_VORN_REQUEST_CALLBACK_H
+#endif // VORN_INNER_API_I_VORN_REQUEST_CALLBACK_H

@@ -1,0 +1,135 @@
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <curl/curl.h>
+#include <gtest/gtest.h>
+
+#include "connect_proxy.h"
+#include "hilog_host.h"
+#include "https_fixture.h"
+#include "log_lines.h"
+#include "transfer_loop.h"
+#include "vorn_http_logic.h"
+
+namespace {
+using OHOS::Vorn::HttpLogic;
+using OHOS::Vorn::TransferLoop;
+using VornTestbed::HttpResponse;
+
+struct EasyDeleter {
+    void operator()(CURL *curl) const
+    {
+        curl_easy_cleanup(curl);
+    }
+};
+struct MultiDeleter {
+    void operator()(CURLM *multi) const
+    {
+        curl_multi_cleanup(multi);
+    }
+};
+
+class TransferLoopTest : public VornTest::HttpsFixture {
+protected:
+    static void SetUpTestSuite()
+    {
+        ASSERT_TRUE(HttpLogic::GlobalInit());
+    }
+
+    struct Outcome {
+        long status = 0;
+        std::string body;
+    };
+
+    static Outcome Post(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info, const std::string &url)
+    {
+        HttpLogic logic(info, url);
+        EXPECT_EQ(logic.InitHttpLogic(), 0);
+        const long status = logic.PostHttpsRequest();
+        return {status, logic.GetResponseBody()};
+    }
+};
+
+TEST_F(TransferLoopTest, ConcurrentTransfersEachGetTheirOwnResponse)
+{
+    constexpr int TRANSFERS = 32;
+    for (int i = 0; i < TRANSFERS; ++i) {
+        // Bodies of different sizes, so that one transfer's bytes in another's body would show.
+        server_->Respond("/t" + std::to_string(i), HttpResponse::Text(200, std::string(100 + i * 997, 'a' + i % 26)));
+    }
+    std::vector<Outcome> outcomes(TRANSFERS);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < TRANSFERS; ++i) {
+        threads.emplace_back([this, i, &outcomes] { outcomes[i] = Post(Request({}), Url("/t" + std::to_string(i))); });
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
+
+    for (int i = 0; i < TRANSFERS; ++i) {
+        EXPECT_EQ(outcomes[i].status, 200) << i;
+        EXPECT_EQ(outcomes[i].body, std::string(100 + i * 997, 'a' + i % 26)) << i;
+    }
+    EXPECT_EQ(server_->RequestCount(), static_cast<size_t>(TRANSFERS));
+}
+
+// The loop's multi handle would keep connections for later transfers; a kept connection was
+// verified against the CA of the transfer that opened it, not against the next one's.
+TEST_F(TransferLoopTest, NoTransferRidesOnAnEarlierTransfersConnection)
+{
+    server_->Respond("/c", HttpResponse::Text(200, "c"));
+    auto otherCa = VornTestbed::MakeCertificateFiles(dir_.Path("other"));
+    ASSERT_TRUE(otherCa.has_value());
+    auto untrusting = Request({});
+    untrusting.caFile = otherCa->caFile;
+
+    ASSERT_EQ(Post(Request({}), Url("/c")).status, 200);
+    EXPECT_EQ(Post(untrusting, Url("/c")).status, -1);
+    EXPECT_EQ(server_->RequestCount("/c"), 1u);
+
+    VornTestbed::ConnectProxy proxy;
+    ASSERT_TRUE(proxy.Start());
+    VornTest::ScopedEnv env("VORN_DEFAULT_HTTP_PROXY", "127.0.0.1:" + std::to_string(proxy.Port()));
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(Post(Request({}), Url("/c")).status, 200);
+    }
+    // One tunnel, that is one connection, per transfer.
+    EXPECT_EQ(proxy.Targets().size(), 3u);
+}
+
+TEST_F(TransferLoopTest, AHandleTheLoopCannotTakeIsReportedNotRun)
+{
+    std::unique_ptr<CURL, EasyDeleter> curl(curl_easy_init());
+    std::unique_ptr<CURLM, MultiDeleter> elsewhere(curl_multi_init());
+    ASSERT_NE(curl, nullptr);
+    ASSERT_NE(elsewhere, nullptr);
+    // A handle can be in one multi handle only.
+    ASSERT_EQ(curl_multi_add_handle(elsewhere.get(), curl.get()), CURLM_OK);
+    HostPlatform::LogCapture logs;
+
+    EXPECT_EQ(TransferLoop::Perform(curl.get()).get(), TransferLoop::NOT_RUN);
+    EXPECT_EQ(TransferLoop::Perform(nullptr).get(), TransferLoop::NOT_RUN);
+
+    EXPECT_EQ(VornTest::ServiceLines(logs, LOG_ERROR, "TransferLoop: curl_multi_add_handle failed, code = " +
+        std::to_string(CURLM_ADDED_ALREADY)), 1u);
+    EXPECT_EQ(VornTest::ServiceLines(logs, LOG_ERROR, "TransferLoop: curl_multi_add_handle failed, code = " +
+        std::to_string(CURLM_BAD_EASY_HANDLE)), 1u);
+    ASSERT_EQ(curl_multi_remove_handle(elsewhere.get(), curl.get()), CURLM_OK);
+    // The loop goes on serving.
+    server_->Respond("/after", HttpResponse::Text(200, "after"));
+    EXPECT_EQ(Post(Request({}), Url("/after")).body, "after");
+}
+
+TEST_F(TransferLoopTest, AFailedTransferIsLoggedWithItsLibcurlCode)
+{
+    HostPlatform::LogCapture logs;
+    const std::string closedPort = "https://127.0.0.1:1/x";
+
+    EXPECT_EQ(Post(Request({}), closedPort).status, -1);
+    EXPECT_EQ(VornTest::ServiceLines(logs, LOG_INFO,
+        "Failed to access the server, code = " + std::to_string(CURLE_COULDNT_CONNECT)), 1u);
+    EXPECT_EQ(VornTest::ServiceLines(logs, LOG_INFO, "HttpLogic::PostHttpsRequest out"), 0u);
+}
+} // namespace
