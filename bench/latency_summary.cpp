@@ -24,6 +24,10 @@ LatencySummary LatencySummary::Of(std::vector<double> samples)
     summary.p90 = Percentile(samples, 90);
     summary.p99 = Percentile(samples, 99);
     summary.max = samples.back();
+    constexpr int hundred = 100;
+    for (int percent = 0; percent <= hundred; ++percent) {
+        summary.percentiles.push_back(Percentile(samples, percent));
+    }
     summary.mean = std::accumulate(samples.begin(), samples.end(), 0.0) / static_cast<double>(samples.size());
     return summary;
 }

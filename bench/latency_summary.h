@@ -11,6 +11,9 @@ struct LatencySummary {
     double p99 = 0;
     double max = 0;
     double mean = 0;
+    // The 0th to the 100th percentile, one per percent: the distribution's shape, for plots.
+    // Empty for no samples.
+    std::vector<double> percentiles;
 
     // Nearest-rank percentiles: p99 of 2000 samples is the 1980th smallest.
     static LatencySummary Of(std::vector<double> samples);

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <algorithm>
 
 namespace VornBench {
 namespace {
@@ -17,6 +18,23 @@ bool ParseCount(const std::string &text, size_t &value)
         return false;
     }
     value = static_cast<size_t>(parsed);
+    return true;
+}
+
+// "0" counts too: an RTT of 0 is the relay without delay, for a baseline beside the others.
+bool ParseRtts(const std::string &text, std::vector<size_t> &rtts)
+{
+    size_t start = 0;
+    while (start <= text.size()) {
+        size_t comma = std::min(text.find(',', start), text.size());
+        const std::string item = text.substr(start, comma - start);
+        size_t value = 0;
+        if (item != "0" && !ParseCount(item, value)) {
+            return false;
+        }
+        rtts.push_back(value);
+        start = comma + 1;
+    }
     return true;
 }
 
@@ -57,6 +75,13 @@ std::optional<LoadOptions> LoadOptions::Parse(int argc, char **argv, std::string
             valid = ParseCount(value, options.concurrency);
         } else if (option == "--repeat") {
             valid = ParseCount(value, options.repeat);
+        } else if (option == "--rtt-ms") {
+            valid = ParseRtts(value, options.rttsMs);
+        } else if (option == "--bandwidth") {
+            valid = ParseCount(value, options.bandwidth);
+        } else if (option == "--plot") {
+            options.plotFile = value;
+            valid = !value.empty();
         } else if (option == "--ca-bundle") {
             options.caBundle = value;
         } else if (option == "--compare-env") {
@@ -78,12 +103,17 @@ std::optional<LoadOptions> LoadOptions::Parse(int argc, char **argv, std::string
             return std::nullopt;
         }
     }
+    if (options.bandwidth > 0 && options.rttsMs.empty()) {
+        error = "--bandwidth needs --rtt-ms: the limit is the relay's";
+        return std::nullopt;
+    }
     return options;
 }
 
 std::string LoadOptions::Usage()
 {
     return "usage: vorn_load [-n N] [-c C] [--repeat K] [--json] [--ca-bundle FILE] [--compare-env NAME=VALUE]...\n"
+           "                 [--rtt-ms MS[,MS...]]... [--bandwidth BYTES_PER_S] [--plot FILE.svg]\n"
            "\n"
            "Starts a local HTTPS server, sends N requests (default 1000) at concurrency C (default 16)\n"
            "through the whole service, then the same N POSTs through bare libcurl, and prints both\n"
@@ -98,6 +128,11 @@ std::string LoadOptions::Usage()
            "                          test CA in the CA file every request names\n"
            "  --compare-env NAME=VAL  one more service run with NAME=VAL in its environment; the\n"
            "                          plain service run then has NAME unset (repeatable)\n"
+           "  --rtt-ms MS[,MS...]     put a latency relay adding MS ms of round-trip time (0: none)\n"
+           "                          between every run and the server; one comparison per RTT\n"
+           "                          (repeatable)\n"
+           "  --bandwidth B           the relay also limits each direction to B bytes/s\n"
+           "  --plot FILE.svg         draw every run's latency distribution (CDF, log time axis)\n"
            "\n"
            "Exits 1 when any request went unanswered or failed, 2 when the tool could not run.\n";
 }

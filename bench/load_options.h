@@ -23,6 +23,9 @@ struct LoadOptions {
     std::string caBundle;                 // appended to the test CA in the CA file of every run
     std::vector<EnvSetting> compareEnv;   // one extra service run per setting
     size_t repeat = 1;                    // runs of each kind, taken in turns
+    std::vector<size_t> rttsMs;           // one comparison per RTT through a latency relay; none: direct
+    size_t bandwidth = 0;                 // bytes/s per direction through the relay; 0: no limit
+    std::string plotFile;                 // SVG of every run's latency distribution
 
     // Given by the tool to the child process that makes one run ("service" or "bare").
     std::string run;

@@ -77,6 +77,13 @@ bool LoadReport::AllServed() const
     return served;
 }
 
+std::vector<RunResult> LoadReport::Runs() const
+{
+    std::vector<RunResult> runs = serviceRuns_;
+    runs.push_back(bareRun_);
+    return runs;
+}
+
 void LoadReport::PrintTable(std::ostream &out) const
 {
     out << "vorn_load: " << bareRun_.requests / bareRun_.repetitions << " requests, " << bareRun_.concurrency

@@ -22,6 +22,8 @@ public:
     nlohmann::json ToJson() const;
     // True when every request of every run was answered, and answered with HTTP 200.
     bool AllServed() const;
+    // The service runs, then the bare one.
+    std::vector<RunResult> Runs() const;
 
 private:
     struct Checks {

@@ -25,6 +25,19 @@ size_t Highest(const std::vector<RunResult> &runs, Field field)
     }
     return highest;
 }
+// Each percentile the median of the runs', so that the curve drawn is the typical run's.
+std::vector<double> MedianPercentiles(const std::vector<RunResult> &runs)
+{
+    size_t points = runs.front().latencyMs.percentiles.size();
+    for (const RunResult &run : runs) {
+        points = std::min(points, run.latencyMs.percentiles.size());
+    }
+    std::vector<double> medians;
+    for (size_t i = 0; i < points; ++i) {
+        medians.push_back(Median(runs, [i](const RunResult &run) { return run.latencyMs.percentiles[i]; }));
+    }
+    return medians;
+}
 } // namespace
 
 RunResult RunResult::Combine(const std::vector<RunResult> &runs)
@@ -55,6 +68,7 @@ RunResult RunResult::Combine(const std::vector<RunResult> &runs)
     combined.latencyMs.p99 = Median(runs, [](const RunResult &run) { return run.latencyMs.p99; });
     combined.latencyMs.max = Median(runs, [](const RunResult &run) { return run.latencyMs.max; });
     combined.latencyMs.mean = Median(runs, [](const RunResult &run) { return run.latencyMs.mean; });
+    combined.latencyMs.percentiles = MedianPercentiles(runs);
     combined.threadsPeak = Highest(runs, [](const RunResult &run) { return run.threadsPeak; });
     combined.threadsIdle = Highest(runs, [](const RunResult &run) { return run.threadsIdle; });
     combined.workersPeak = Highest(runs, [](const RunResult &run) { return run.workersPeak; });
@@ -86,7 +100,7 @@ nlohmann::json RunResult::ToJson() const
         {"throughput_rps", throughput},
         {"cpu_ms_per_request", cpuMsPerRequest},
         {"latency_ms", {{"p50", latencyMs.p50}, {"p90", latencyMs.p90}, {"p99", latencyMs.p99},
-            {"max", latencyMs.max}, {"mean", latencyMs.mean}}},
+            {"max", latencyMs.max}, {"mean", latencyMs.mean}, {"percentiles", latencyMs.percentiles}}},
         {"threads", {{"start", threadsStart}, {"peak", threadsPeak}, {"idle", threadsIdle},
             {"harness", harnessThreads}, {"peak_less_harness", ServingThreadsPeak()},
             {"peak_runtime_workers", workersPeak}}},
@@ -113,6 +127,7 @@ RunResult RunResult::FromJson(const nlohmann::json &json)
     result.latencyMs.p99 = latency.at("p99").get<double>();
     result.latencyMs.max = latency.at("max").get<double>();
     result.latencyMs.mean = latency.at("mean").get<double>();
+    result.latencyMs.percentiles = latency.value("percentiles", std::vector<double> {});
     const nlohmann::json &threads = json.at("threads");
     result.threadsStart = threads.at("start").get<size_t>();
     result.threadsPeak = threads.at("peak").get<size_t>();

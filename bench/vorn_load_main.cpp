@@ -1,7 +1,9 @@
 // vorn_load: the service end to end against bare libcurl, on one local HTTPS server. See
 // LoadOptions::Usage and the README's Benchmarks section.
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <optional>
@@ -13,6 +15,8 @@
 #include "bench_request.h"
 #include "certificate_authority.h"
 #include "child_run.h"
+#include "latency_plot.h"
+#include "latency_relay.h"
 #include "load_options.h"
 #include "load_report.h"
 #include "local_https_server.h"
@@ -87,25 +91,11 @@ std::optional<RunResult> RunChild(const std::string &name, const std::vector<std
     return result;
 }
 
-int Compare(const LoadOptions &options)
+// The runs of every kind against one base URL: the server itself, or a relay in front of it.
+std::optional<LoadReport> CompareAt(const LoadOptions &options, const std::string &baseUrl, const std::string &caFile,
+    const std::string &endpoint)
 {
-    VornTestbed::TempDir dir;
-    std::optional<VornTestbed::CertificateFiles> files = VornTestbed::MakeCertificateFiles(dir.Path("pki"));
-    if (!files) {
-        std::cerr << "vorn_load: cannot make certificates\n";
-        return EXIT_BROKEN;
-    }
-    std::optional<std::string> caFile = WriteCaFile(dir, files->caFile, options.caBundle);
-    if (!caFile) {
-        return EXIT_BROKEN;
-    }
-    VornTestbed::LocalHttpsServer server(VornTestbed::ServerOptions::Tls(*files));
-    server.Respond(QUERY_PATH, QueryResponse());
-    if (!server.Start()) {
-        std::cerr << "vorn_load: cannot start the local HTTPS server\n";
-        return EXIT_BROKEN;
-    }
-    const std::vector<std::string> common {"--base-url", server.BaseUrl(), "--ca-file", *caFile, "-n",
+    const std::vector<std::string> common {"--base-url", baseUrl, "--ca-file", caFile, "-n",
         std::to_string(options.requests), "-c", std::to_string(options.concurrency)};
     auto arguments = [&common](const std::string &run) {
         std::vector<std::string> all {"--run", run};
@@ -132,7 +122,7 @@ int Compare(const LoadOptions &options)
         for (size_t i = 0; i < kinds.size(); ++i) {
             std::optional<RunResult> result = RunChild(kinds[i].name, arguments(kinds[i].run), kinds[i].env);
             if (!result) {
-                return EXIT_BROKEN;
+                return std::nullopt;
             }
             results[i].push_back(*result);
         }
@@ -141,15 +131,102 @@ int Compare(const LoadOptions &options)
     for (size_t i = 0; i + 1 < kinds.size(); ++i) {
         serviceRuns.push_back(RunResult::Combine(results[i]));
     }
-    RunResult bare = RunResult::Combine(results.back());
+    return LoadReport(endpoint, std::move(serviceRuns), RunResult::Combine(results.back()));
+}
 
-    LoadReport report(server.BaseUrl() + QUERY_PATH, std::move(serviceRuns), std::move(bare));
-    if (options.json) {
-        std::cout << report.ToJson().dump(2) << std::endl;
-    } else {
-        report.PrintTable(std::cout);
+// A curve per run, named for the plot's legend.
+PlotPanel PanelOf(const std::string &title, double rttMs, const LoadReport &report)
+{
+    PlotPanel panel {title, rttMs, {}};
+    for (const RunResult &run : report.Runs()) {
+        std::string label = run.name == "bare" ? "bare libcurl, fresh handle per request" : run.name;
+        if (label.compare(0, std::strlen("service["), "service[") == 0) {
+            label = "service, " + label.substr(std::strlen("service["), label.size() - std::strlen("service[") - 1);
+        }
+        panel.curves.push_back({label, run.latencyMs.percentiles});
     }
-    return report.AllServed() ? EXIT_SERVED : EXIT_UNSERVED;
+    return panel;
+}
+
+int Compare(const LoadOptions &options)
+{
+    VornTestbed::TempDir dir;
+    std::optional<VornTestbed::CertificateFiles> files = VornTestbed::MakeCertificateFiles(dir.Path("pki"));
+    if (!files) {
+        std::cerr << "vorn_load: cannot make certificates\n";
+        return EXIT_BROKEN;
+    }
+    std::optional<std::string> caFile = WriteCaFile(dir, files->caFile, options.caBundle);
+    if (!caFile) {
+        return EXIT_BROKEN;
+    }
+    VornTestbed::LocalHttpsServer server(VornTestbed::ServerOptions::Tls(*files));
+    server.Respond(QUERY_PATH, QueryResponse());
+    if (!server.Start()) {
+        std::cerr << "vorn_load: cannot start the local HTTPS server\n";
+        return EXIT_BROKEN;
+    }
+
+    std::vector<LoadReport> reports;
+    std::vector<PlotPanel> panels;
+    nlohmann::json relayed = nlohmann::json::array();
+    if (options.rttsMs.empty()) {
+        std::optional<LoadReport> report = CompareAt(options, server.BaseUrl(), *caFile, server.BaseUrl() + QUERY_PATH);
+        if (!report) {
+            return EXIT_BROKEN;
+        }
+        panels.push_back(PanelOf("loopback, no relay", 0, *report));
+        reports.push_back(std::move(*report));
+    }
+    for (size_t rtt : options.rttsMs) {
+        // The relay is plain TCP on 127.0.0.1: the URL names the same host, so TLS still verifies.
+        VornTestbed::LatencyRelay relay(server.Port(),
+            VornTestbed::PathSettings {std::chrono::milliseconds(rtt), options.bandwidth});
+        if (!relay.Start()) {
+            std::cerr << "vorn_load: cannot start the latency relay\n";
+            return EXIT_BROKEN;
+        }
+        const std::string baseUrl = "https://127.0.0.1:" + std::to_string(relay.Port());
+        std::string endpoint = server.BaseUrl() + QUERY_PATH + " through a relay adding " + std::to_string(rtt) +
+            " ms RTT";
+        if (options.bandwidth > 0) {
+            endpoint += " and limiting each direction to " + std::to_string(options.bandwidth) + " bytes/s";
+        }
+        std::cerr << "vorn_load: " << endpoint << "\n";
+        std::optional<LoadReport> report = CompareAt(options, baseUrl, *caFile, endpoint);
+        if (!report) {
+            return EXIT_BROKEN;
+        }
+        nlohmann::json json = report->ToJson();
+        json["rtt_ms"] = rtt;
+        json["relay_connections"] = relay.Connections();
+        relayed.push_back(std::move(json));
+        panels.push_back(PanelOf("RTT " + std::to_string(rtt) + " ms", static_cast<double>(rtt), *report));
+        reports.push_back(std::move(*report));
+    }
+
+    if (options.json && options.rttsMs.empty()) {
+        std::cout << reports.front().ToJson().dump(2) << std::endl;
+    } else if (options.json) {
+        std::cout << nlohmann::json {{"reports", relayed}}.dump(2) << std::endl;
+    } else {
+        for (size_t i = 0; i < reports.size(); ++i) {
+            std::cout << (i > 0 ? "\n" : "");
+            reports[i].PrintTable(std::cout);
+        }
+    }
+    const std::string title = "vorn_load: " + std::to_string(options.requests) + " requests per run, " +
+        std::to_string(options.concurrency) + " at a time" +
+        (options.repeat > 1 ? ", median of " + std::to_string(options.repeat) + " runs" : std::string());
+    if (!options.plotFile.empty() && !LatencyPlot(title, std::move(panels)).Write(options.plotFile)) {
+        std::cerr << "vorn_load: cannot write " << options.plotFile << "\n";
+        return EXIT_BROKEN;
+    }
+    bool served = true;
+    for (const LoadReport &report : reports) {
+        served = served && report.AllServed();
+    }
+    return served ? EXIT_SERVED : EXIT_UNSERVED;
 }
 } // namespace
 

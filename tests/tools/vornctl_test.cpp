@@ -143,6 +143,7 @@ TEST_F(VornctlTest, UsageErrorsExitSixtyFourWithOneLine)
         {"request", "@" + dir_.Path("missing.json")},
         {"request", "--root", dir_.Path("missing"), "{}"},
         {"demo", "now"},
+        {"demo", "--rtt-ms", "fast"},
     };
     for (const std::vector<std::string> &args : cases) {
         ProcessResult run = Vornctl(args);

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -72,6 +73,18 @@ TEST_F(VornctlTimingTest, DemoTellsTheRaceAndCleansUp)
     std::string folder = run.out.substr(at + marker.size());
     folder = folder.substr(0, folder.find(".\n"));
     EXPECT_FALSE(std::filesystem::exists(folder)) << folder;
+}
+TEST_F(VornctlTimingTest, DemoThroughARelayTimesASecondRequest)
+{
+    ProcessResult run = Vornctl({"demo", "--rtt-ms", "80"});
+    EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+    EXPECT_NE(run.out.find("latency relay"), std::string::npos) << run.out;
+    std::smatch match;
+    const std::regex arrival("Its response arrived ([0-9]+) ms after the call, with code 200\\.");
+    ASSERT_TRUE(std::regex_search(run.out, match, arrival)) << run.out;
+    // However the connection is had, the request and its answer cross the relay once.
+    EXPECT_GE(std::stoi(match[1].str()), 72);
+    EXPECT_NE(run.out.find("round trips of 80 ms"), std::string::npos) << run.out;
 }
 } // namespace
 } // namespace VornTest

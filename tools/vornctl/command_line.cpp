@@ -195,11 +195,17 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string> &args)
         return parsed;
     }
     if (command == "demo") {
-        if (args.size() > 1) {
-            parsed.error = "demo takes no arguments";
+        constexpr unsigned long long maxRttMs = 10000;
+        std::optional<unsigned long long> rtt;
+        if (args.size() == 3 && args[1] == "--rtt-ms") {
+            rtt = ParseUnsigned(args[2], maxRttMs);
+        }
+        if (args.size() > 1 && !rtt) {
+            parsed.error = "demo takes only --rtt-ms N (0 to 10000)";
             return parsed;
         }
         line.command = Command::DEMO;
+        line.demoRtt = std::chrono::milliseconds(rtt.value_or(0));
         parsed.commandLine = line;
         return parsed;
     }
@@ -220,7 +226,8 @@ const char *UsageText()
     return R"(usage:
   vornctl request [options] REQUEST   REQUEST: JSON text, @FILE, or - (standard input)
   vornctl event   [options] EVENT     EVENT: {"eventId":..,"content":..} text, @FILE or -
-  vornctl demo
+  vornctl demo [--rtt-ms N]           N: round-trip time in ms a relay adds in front of the
+                                      demo's server; the demo then sends a second request
 
 options of request and event:
   --root DIR         change to DIR before loading the service, so its relative configuration

@@ -26,6 +26,7 @@ struct CommandLine {
     bool collectAll = false;
     std::chrono::milliseconds wait {0};
     std::optional<std::string> library;     // empty: the one built beside the tool
+    std::chrono::milliseconds demoRtt {0};  // demo: round-trip time a relay adds; 0: no relay
 };
 
 struct ParsedCommandLine {

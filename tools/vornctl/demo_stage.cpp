@@ -27,7 +27,7 @@ std::string DemoStage::Name(DemoEndpoint endpoint)
     return endpoint == DemoEndpoint::STALLING ? "primary" : "fallback";
 }
 
-bool DemoStage::SetUp(std::string &error)
+bool DemoStage::SetUp(std::string &error, std::chrono::milliseconds rtt)
 {
     auto certificates = VornTestbed::MakeCertificateFiles(folder_.Path("pki"));
     if (!certificates) {
@@ -39,6 +39,14 @@ bool DemoStage::SetUp(std::string &error)
     if (!server_->Start()) {
         error = "cannot start the local HTTPS server";
         return false;
+    }
+    rtt_ = rtt;
+    if (rtt.count() > 0) {
+        relay_ = std::make_unique<VornTestbed::LatencyRelay>(server_->Port(), VornTestbed::PathSettings {rtt, 0});
+        if (!relay_->Start()) {
+            error = "cannot start the latency relay";
+            return false;
+        }
     }
     Serve(DemoEndpoint::STALLING);
     Serve(DemoEndpoint::ANSWERING);
@@ -97,7 +105,13 @@ std::string DemoStage::LogFile() const
 
 std::string DemoStage::ServerUrl() const
 {
-    return server_->BaseUrl();
+    // The relay is plain TCP on 127.0.0.1, so the certificate still fits the URL.
+    return relay_ != nullptr ? "https://127.0.0.1:" + std::to_string(relay_->Port()) : server_->BaseUrl();
+}
+
+std::chrono::milliseconds DemoStage::Rtt() const
+{
+    return rtt_;
 }
 
 std::string DemoStage::BaseUrl(DemoEndpoint endpoint) const

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "certificate_authority.h"
+#include "latency_relay.h"
 #include "local_https_server.h"
 #include "temp_dir.h"
 
@@ -40,7 +41,9 @@ public:
 
     // Makes the certificates, starts the server and writes the configuration. False, with
     // `error` set to one line, when something cannot be set up.
-    bool SetUp(std::string &error);
+    // With an RTT above 0 the service reaches the server only through a latency relay.
+    bool SetUp(std::string &error, std::chrono::milliseconds rtt);
+    std::chrono::milliseconds Rtt() const;
 
     const std::string &Folder() const;
     std::string RootFolder() const;  // the folder to run the service in
@@ -61,6 +64,9 @@ private:
     std::vector<ServerVisit> visits_;
     // Last, so that it stops (and its handlers end) before the members they use go.
     std::unique_ptr<VornTestbed::LocalHttpsServer> server_;
+    std::chrono::milliseconds rtt_ {0};
+    // Stops first: it only forwards to the server.
+    std::unique_ptr<VornTestbed::LatencyRelay> relay_;
 };
 } // namespace Vornctl
 

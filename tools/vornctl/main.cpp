@@ -103,7 +103,7 @@ int Run(int argc, char *argv[])
             std::fputs(UsageText(), stdout);
             return EXIT_SUCCESS_RESPONSE;
         case Command::DEMO:
-            return RunDemo(ServiceSession::DefaultLibraryPath());
+            return RunDemo(ServiceSession::DefaultLibraryPath(), line.demoRtt);
         case Command::REQUEST:
         case Command::EVENT:
             break;

@@ -1,0 +1,295 @@
+#include <curl/curl.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "certificate_authority.h"
+#include "latency_relay.h"
+#include "local_https_server.h"
+#include "loopback_socket.h"
+#include "tcp_acceptor.h"
+#include "temp_dir.h"
+
+namespace VornTestbed {
+namespace {
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr double TOLERANCE = 0.10;
+constexpr double THREAD_START_ALLOWANCE_MS = 25;
+
+double MillisecondsSince(Clock::time_point start)
+{
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+// A client socket whose reads give up after a while, so a fault fails the test instead of
+// hanging it.
+UniqueFd ConnectWithTimeout(uint16_t port)
+{
+    UniqueFd fd = ConnectToLoopback(port);
+    timeval limit {10, 0};
+    ::setsockopt(fd.Get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof(limit));
+    return fd;
+}
+
+// Reads exactly `size` bytes; shorter when the stream ended or the read timed out.
+std::string ReadExactly(int fd, size_t size)
+{
+    std::string data(size, '\0');
+    size_t have = 0;
+    while (have < size) {
+        ssize_t received = ::recv(fd, &data[have], size - have, 0);
+        if (received <= 0) {
+            break;
+        }
+        have += static_cast<size_t>(received);
+    }
+    data.resize(have);
+    return data;
+}
+
+// True when the peer's end of stream is the next thing to read.
+bool ReadsEnd(int fd)
+{
+    char byte = 0;
+    return ::recv(fd, &byte, 1, 0) == 0;
+}
+
+// True when the connection is over: an end of stream or a reset, not a read timing out.
+bool ReadsClosed(int fd)
+{
+    char byte = 0;
+    ssize_t received = ::recv(fd, &byte, 1, 0);
+    return received == 0 || (received < 0 && errno != EAGAIN && errno != EWOULDBLOCK);
+}
+
+double Median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+// Servers behind the relay: one echoes every byte until the client's end of stream, then closes;
+// the other waits for one byte, sends a block of a given size and closes.
+class LatencyRelayTest : public ::testing::Test {
+protected:
+    void StartEcho()
+    {
+        ASSERT_TRUE(upstream_.Start([](int fd) {
+            char buffer[4096];
+            for (ssize_t received; (received = ::recv(fd, buffer, sizeof(buffer), 0)) > 0;) {
+                if (!SendAll(fd, buffer, static_cast<size_t>(received))) {
+                    return;
+                }
+            }
+        }));
+    }
+
+    void StartSource(size_t size)
+    {
+        ASSERT_TRUE(upstream_.Start([size](int fd) {
+            char go = 0;
+            if (::recv(fd, &go, 1, 0) != 1) {
+                return;
+            }
+            std::string block(size, 'x');
+            SendAll(fd, block.data(), block.size());
+        }));
+    }
+
+    void StartRelay(std::chrono::milliseconds rtt, size_t bytesPerSecond = 0)
+    {
+        relay_ = std::make_unique<LatencyRelay>(upstream_.Port(), PathSettings {rtt, bytesPerSecond});
+        ASSERT_TRUE(relay_->Start());
+    }
+
+    // One byte out and back on an open connection.
+    static double RoundTripMs(int fd)
+    {
+        const Clock::time_point start = Clock::now();
+        EXPECT_TRUE(SendAll(fd, "p", 1));
+        EXPECT_EQ(ReadExactly(fd, 1), "p");
+        return MillisecondsSince(start);
+    }
+
+    TcpAcceptor upstream_;
+    std::unique_ptr<LatencyRelay> relay_;
+};
+
+class LatencyRelayRttTest : public LatencyRelayTest, public ::testing::WithParamInterface<int> {};
+
+TEST_P(LatencyRelayRttTest, RoundTripTakesOneRttAndConnectingOneMore)
+{
+    const double rtt = GetParam();
+    StartEcho();
+    StartRelay(std::chrono::milliseconds(GetParam()));
+
+    const Clock::time_point connectStart = Clock::now();
+    UniqueFd client = ConnectWithTimeout(relay_->Port());
+    ASSERT_TRUE(client.Valid());
+    ASSERT_TRUE(SendAll(client.Get(), "p", 1));
+    ASSERT_EQ(ReadExactly(client.Get(), 1), "p");
+    const double firstExchange = MillisecondsSince(connectStart);
+
+    std::vector<double> trips;
+    for (int i = 0; i < 5; ++i) {
+        trips.push_back(RoundTripMs(client.Get()));
+    }
+    EXPECT_NEAR(Median(trips), rtt, rtt * TOLERANCE);
+    // The handshake adds one round trip. A new connection also starts a thread in the relay and
+    // one in the server, which on a busy machine takes milliseconds: only the upper bound allows
+    // for that.
+    const double handshake = firstExchange - Median(trips);
+    EXPECT_GE(handshake, rtt * (1 - TOLERANCE));
+    EXPECT_LE(handshake, rtt * (1 + TOLERANCE) + THREAD_START_ALLOWANCE_MS);
+    EXPECT_GE(*std::min_element(trips.begin(), trips.end()), rtt * (1 - TOLERANCE));
+    EXPECT_EQ(relay_->Connections(), 1U);
+}
+
+INSTANTIATE_TEST_SUITE_P(PhoneRtts, LatencyRelayRttTest, ::testing::Values(50, 150));
+
+TEST_F(LatencyRelayTest, ManySmallWritesArriveInOrder)
+{
+    StartEcho();
+    StartRelay(20ms);
+    UniqueFd client = ConnectWithTimeout(relay_->Port());
+    ASSERT_TRUE(client.Valid());
+    constexpr uint32_t count = 5000;
+    std::string expected;
+    for (uint32_t i = 0; i < count; ++i) {
+        char bytes[sizeof(i)];
+        std::memcpy(bytes, &i, sizeof(i));
+        ASSERT_TRUE(SendAll(client.Get(), bytes, sizeof(bytes)));
+        expected.append(bytes, sizeof(bytes));
+    }
+    EXPECT_TRUE(ReadExactly(client.Get(), expected.size()) == expected) << "bytes lost or reordered";
+}
+
+TEST_F(LatencyRelayTest, BandwidthLimitHolds)
+{
+    constexpr size_t size = 1024 * 1024;
+    constexpr size_t bytesPerSecond = 1024 * 1024;
+    constexpr double rtt = 20;
+    StartSource(size);
+    StartRelay(std::chrono::milliseconds(static_cast<int>(rtt)), bytesPerSecond);
+
+    const Clock::time_point start = Clock::now();
+    UniqueFd client = ConnectWithTimeout(relay_->Port());
+    ASSERT_TRUE(client.Valid());
+    ASSERT_TRUE(SendAll(client.Get(), "g", 1));
+    ASSERT_EQ(ReadExactly(client.Get(), size).size(), size);
+    const double expected = 2 * rtt + 1000.0 * size / bytesPerSecond;
+    EXPECT_NEAR(MillisecondsSince(start), expected, expected * TOLERANCE);
+    EXPECT_TRUE(ReadsEnd(client.Get())) << "the server's close reaches the client";
+}
+
+TEST_F(LatencyRelayTest, ReaderThatFallsBehindLosesNothing)
+{
+    // More than the sockets buffer: the relay must wait for the reader, not drop or spin.
+    constexpr size_t size = 8 * 1024 * 1024;
+    StartSource(size);
+    StartRelay(10ms);
+    UniqueFd client = ConnectWithTimeout(relay_->Port());
+    ASSERT_TRUE(client.Valid());
+    ASSERT_TRUE(SendAll(client.Get(), "g", 1));
+    std::string received;
+    char buffer[1024];
+    for (ssize_t got; (got = ::recv(client.Get(), buffer, sizeof(buffer), 0)) > 0;) {
+        received.append(buffer, static_cast<size_t>(got));
+    }
+    EXPECT_EQ(received.size(), size);
+    EXPECT_EQ(received.find_first_not_of('x'), std::string::npos);
+}
+
+TEST_F(LatencyRelayTest, EndOfStreamTravelsBothWays)
+{
+    StartEcho();
+    StartRelay(20ms);
+    UniqueFd client = ConnectWithTimeout(relay_->Port());
+    ASSERT_TRUE(client.Valid());
+    ASSERT_TRUE(SendAll(client.Get(), "last words", 10));
+    // Half-closed: the echo server still answers what came before the end, then closes.
+    ASSERT_EQ(::shutdown(client.Get(), SHUT_WR), 0);
+    EXPECT_EQ(ReadExactly(client.Get(), 10), "last words");
+    EXPECT_TRUE(ReadsEnd(client.Get()));
+}
+
+TEST_F(LatencyRelayTest, UnreachableUpstreamClosesTheClient)
+{
+    ASSERT_TRUE(upstream_.Start([](int) {}));
+    const uint16_t closedPort = upstream_.Port();
+    upstream_.Stop();
+    relay_ = std::make_unique<LatencyRelay>(closedPort, PathSettings {50ms, 0});
+    ASSERT_TRUE(relay_->Start());
+    UniqueFd client = ConnectWithTimeout(relay_->Port());
+    ASSERT_TRUE(client.Valid());
+    EXPECT_TRUE(ReadsEnd(client.Get()));
+}
+
+TEST_F(LatencyRelayTest, StopEndsConnectionsWithDataInFlight)
+{
+    StartEcho();
+    StartRelay(2000ms);
+    UniqueFd client = ConnectWithTimeout(relay_->Port());
+    ASSERT_TRUE(client.Valid());
+    ASSERT_TRUE(SendAll(client.Get(), "held", 4));
+    // The relay counts a connection once its thread carries it.
+    const Clock::time_point deadline = Clock::now() + 5s;
+    while (relay_->Connections() == 0 && Clock::now() < deadline) {
+        std::this_thread::yield();
+    }
+    ASSERT_EQ(relay_->Connections(), 1U);
+    const Clock::time_point start = Clock::now();
+    relay_->Stop();
+    EXPECT_LT(MillisecondsSince(start), 1000.0);
+    EXPECT_TRUE(ReadsClosed(client.Get())) << "the held bytes are dropped, the client's socket closed";
+}
+
+TEST_F(LatencyRelayTest, HttpsThroughTheRelayStillVerifies)
+{
+    TempDir dir;
+    auto files = MakeCertificateFiles(dir.Path("pki"));
+    ASSERT_TRUE(files.has_value());
+    LocalHttpsServer server(ServerOptions::Tls(*files));
+    server.Respond("/hello", HttpResponse::Text(200, "hi"));
+    ASSERT_TRUE(server.Start());
+    LatencyRelay relay(server.Port(), PathSettings {30ms, 0});
+    ASSERT_TRUE(relay.Start());
+
+    curl_global_init(CURL_GLOBAL_DEFAULT);
+    std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl(curl_easy_init(), curl_easy_cleanup);
+    const std::string url = "https://127.0.0.1:" + std::to_string(relay.Port()) + "/hello";
+    curl_easy_setopt(curl.get(), CURLOPT_URL, url.c_str());
+    curl_easy_setopt(curl.get(), CURLOPT_CAINFO, files->caFile.c_str());
+    curl_easy_setopt(curl.get(), CURLOPT_SSL_VERIFYPEER, 1L);
+    curl_easy_setopt(curl.get(), CURLOPT_SSL_VERIFYHOST, 2L);
+    curl_easy_setopt(curl.get(), CURLOPT_PROXY, "");
+    curl_easy_setopt(curl.get(), CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(curl.get(), CURLOPT_TIMEOUT_MS, 10000L);
+    curl_easy_setopt(curl.get(), CURLOPT_WRITEFUNCTION, +[](char*, size_t size, size_t count, void*) {
+        return size * count;
+    });
+    const Clock::time_point start = Clock::now();
+    ASSERT_EQ(curl_easy_perform(curl.get()), CURLE_OK);
+    // TCP handshake, at least one for TLS, and the request itself.
+    EXPECT_GE(MillisecondsSince(start), 3 * 30 * (1 - TOLERANCE));
+    long status = 0;
+    curl_easy_getinfo(curl.get(), CURLINFO_RESPONSE_CODE, &status);
+    EXPECT_EQ(status, 200);
+    EXPECT_EQ(server.RequestCount("/hello"), 1U);
+    curl.reset();
+    curl_global_cleanup();
+}
+} // namespace
+} // namespace VornTestbed
