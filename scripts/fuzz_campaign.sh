@@ -1,0 +1,91 @@
+#!/usr/bin/env bash
+# The long fuzzing campaign: every libFuzzer target (or the ones named) runs RUNS executions in
+# one process at the lowest priority, from a fresh working corpus seeded with
+# fuzz/corpus/<target>/. At the end of each run the inputs that reached something the seeds do
+# not are merged (-merge=1, by edges) into fuzz/corpus/<target>/, so the committed corpus grows by a
+# minimal set only.
+#
+#   scripts/fuzz_campaign.sh [RUNS] [TARGET...]     (default 1000000 runs, all targets)
+#
+# VORN_FUZZ_BUILD_DIR chooses the build folder (default build-fuzz); the work goes to
+# <build>/fuzz-campaign/<target>/ (log, corpus, crash-*). The figures per target (executions,
+# seconds, findings, working corpus, committed corpus before and after) are printed as a
+# Markdown table and kept in <build>/fuzz-campaign/figures.md. A finding stops that target,
+# keeps its corpus out of fuzz/corpus, and makes the script exit non-zero.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+root="$PWD"
+
+runs="${1:-1000000}"
+shift || true
+build_dir="$(realpath -m "${VORN_FUZZ_BUILD_DIR:-build-fuzz}")"
+launcher=()
+command -v ccache >/dev/null && launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+
+cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+    -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ "${launcher[@]}" \
+    -DVORN_BUILD_FUZZ=ON -DVORN_BUILD_TESTS=OFF -DVORN_BUILD_BENCH=OFF >/dev/null
+nice -n 19 cmake --build "$build_dir" -j2 --target vorn_fuzzers >/dev/null
+
+# Nothing a fuzzer does may leave 127.0.0.1.
+unset http_proxy https_proxy HTTP_PROXY HTTPS_PROXY all_proxy ALL_PROXY no_proxy NO_PROXY
+
+targets=("$@")
+if [ "${#targets[@]}" -eq 0 ]; then
+    for fuzzer in "$build_dir"/fuzz/*_fuzzer; do
+        targets+=("$(basename "$fuzzer")")
+    done
+fi
+
+campaign="$build_dir/fuzz-campaign"
+mkdir -p "$campaign"
+figures="$campaign/figures.md"
+{
+    echo "| Target | Executions | Time (s) | Findings | Working corpus | Committed corpus (before → after) |"
+    echo "|---|---|---|---|---|---|"
+} >"$figures"
+
+count_files() { find "$1" -maxdepth 1 -type f | wc -l; }
+
+failed=0
+for name in "${targets[@]}"; do
+    fuzzer="$build_dir/fuzz/$name"
+    seeds="$root/fuzz/corpus/$name"
+    work="$campaign/$name"
+    rm -rf "$work"
+    mkdir -p "$work/corpus" "$seeds"
+    echo "fuzz_campaign: $name, $runs runs"
+    start=$SECONDS
+    # Run from the empty working folder: the service reads its configuration relative to it,
+    # and must find none there. One process at nice 19 leaves the machine to everyone else.
+    rc=0
+    (cd "$work" && nice -n 19 "$fuzzer" corpus "$seeds" -runs="$runs" -timeout=60 -rss_limit_mb=4096 \
+        -artifact_prefix="$work/" -print_final_stats=1 >"$work/log" 2>&1) || rc=$?
+    seconds=$((SECONDS - start))
+    executed="$(sed -n 's/^stat::number_of_executed_units: *//p' "$work/log")"
+    findings="$(find "$work" -maxdepth 1 -type f \( -name 'crash-*' -o -name 'leak-*' -o -name 'timeout-*' \
+        -o -name 'oom-*' \) | wc -l)"
+    if [ "$rc" -ne 0 ] && [ "$findings" -eq 0 ]; then
+        findings=1  # it stopped without leaving an input: the log says why
+    fi
+    before="$(count_files "$seeds")"
+    if [ "$findings" -eq 0 ]; then
+        # Edges only, not hit counts: counted, the JSON library alone keeps a thousand inputs,
+        # and the committed corpus is what CI reads at every run.
+        (cd "$work" && nice -n 19 "$fuzzer" -merge=1 -use_counters=0 "$seeds" corpus -timeout=60 \
+            -rss_limit_mb=4096 >"$work/merge.log" 2>&1)
+    else
+        failed=1
+        echo "fuzz_campaign: $name stopped with a finding after ${executed:-?} runs; log: $work/log"
+        grep -E "^(==[0-9]+==ERROR|SUMMARY|.*runtime error)" "$work/log" | head -5 || true
+        for artifact in "$work"/crash-* "$work"/leak-* "$work"/timeout-* "$work"/oom-*; do
+            [ -e "$artifact" ] && echo "fuzz_campaign: replay with: (cd $work && $fuzzer $artifact)"
+        done
+    fi
+    row="| $name | ${executed:-?} | $seconds | $findings | $(count_files "$work/corpus") | $before → $(count_files "$seeds") |"
+    echo "$row" >>"$figures"
+    echo "fuzz_campaign: $row"
+done
+echo
+cat "$figures"
+exit "$failed"
