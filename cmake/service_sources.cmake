@@ -15,6 +15,7 @@ set(VORN_SERVICE_SOURCES
   ${CMAKE_CURRENT_LIST_DIR}/../http/curl_share.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../http/response_size_guard.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../http/transfer_loop.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../http/trust_shares.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_request_callback_proxy.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_sa.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../service/vorn_dumper.cpp

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 
 #include "vorn_log.h"
+#include "vorn_metrics.h"
 
 namespace OHOS {
 namespace Vorn {
@@ -27,6 +28,11 @@ bool CaStoreCache::Key::operator!=(const Key &other) const
     return !(*this == other);
 }
 
+std::string CaStoreCache::Key::ToString() const
+{
+    return path + "#" + std::to_string(inode) + "#" + std::to_string(size) + "#" + std::to_string(modifiedNs);
+}
+
 CaStoreCache &CaStoreCache::GetInstance()
 {
     static CaStoreCache instance;
@@ -35,8 +41,20 @@ CaStoreCache &CaStoreCache::GetInstance()
 
 bool CaStoreCache::IsEnabled()
 {
-    const char *value = std::getenv(CACHE_SWITCH);
-    return value == nullptr || std::string(value) != "0";
+    static const bool enabled = [] {
+        const char *value = std::getenv(CACHE_SWITCH);
+        return value == nullptr || std::string(value) != "0";
+    }();
+    return enabled;
+}
+
+std::optional<std::string> CaStoreCache::VersionOf(const std::string &caFile)
+{
+    std::optional<Key> key = MakeKey(caFile);
+    if (!key.has_value()) {
+        return std::nullopt;
+    }
+    return key->ToString();
 }
 
 std::shared_ptr<const CachedCaStore> CaStoreCache::Acquire(const std::string &caFile)
@@ -48,18 +66,31 @@ std::shared_ptr<const CachedCaStore> CaStoreCache::Acquire(const std::string &ca
     if (auto store = Find(*key)) {
         return store;
     }
-    std::lock_guard<std::mutex> loadLock(loadMutex_);
-    // Another transfer may have parsed it while this one waited.
-    if (auto store = Find(*key)) {
-        return store;
+    std::shared_ptr<FileLoad> fileLoad = EnterLoad(key->path);
+    std::shared_ptr<const CachedCaStore> store;
+    {
+        // A runtime-aware wait: a transfer waiting for another's load of the same file gives
+        // its worker back.
+        std::lock_guard<ffrt::mutex> loadLock(fileLoad->mutex);
+        // Another transfer may have parsed it while this one waited.
+        store = Find(*key);
+        if (store == nullptr) {
+            store = Load(caFile, *key);
+        }
     }
-    std::shared_ptr<const CachedCaStore> store = CachedCaStore::Load(key->path);
+    LeaveLoad(key->path);
+    return store;
+}
+
+std::shared_ptr<const CachedCaStore> CaStoreCache::Load(const std::string &caFile, const Key &key)
+{
+    std::shared_ptr<const CachedCaStore> store = CachedCaStore::Load(key.path, key.ToString());
     // A file replaced while it was read may have given either version: libcurl reads it itself.
     if (store == nullptr || MakeKey(caFile) != key) {
         return nullptr;
     }
-    Insert(*key, store);
-    VORN_LOGI("CaStoreCache: loaded %{private}s", key->path.c_str());
+    Insert(key, store);
+    VORN_LOGI("CaStoreCache: loaded %{private}s", key.path.c_str());
     return store;
 }
 
@@ -116,6 +147,28 @@ void CaStoreCache::Insert(const Key &key, std::shared_ptr<const CachedCaStore> s
         entries_.pop_back();
     }
     ++loads_;
+    VornMetrics::Add(VornMetrics::Counter::CA_LOADS);
+}
+
+std::shared_ptr<CaStoreCache::FileLoad> CaStoreCache::EnterLoad(const std::string &path)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    std::shared_ptr<FileLoad> &fileLoad = fileLoads_[path];
+    if (fileLoad == nullptr) {
+        fileLoad = std::make_shared<FileLoad>();
+    }
+    ++fileLoad->waiters;
+    return fileLoad;
+}
+
+// The last transfer out removes the file's lock, so the map holds only files being loaded.
+void CaStoreCache::LeaveLoad(const std::string &path)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    auto found = fileLoads_.find(path);
+    if (found != fileLoads_.end() && --found->second->waiters == 0) {
+        fileLoads_.erase(found);
+    }
 }
 } // namespace Vorn
 } // namespace OHOS

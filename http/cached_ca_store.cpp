@@ -1,8 +1,15 @@
 #include "cached_ca_store.h"
 
+#include <cstdio>
+#include <optional>
 #include <utility>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <openssl/err.h>
+#include <openssl/pem.h>
 #include <openssl/ssl.h>
 
 namespace OHOS {
@@ -18,20 +25,95 @@ bool HoldsCertificate(X509_STORE *store)
     }
     return false;
 }
+
+// The whole file, read through one descriptor that is only read once it is known to be a
+// regular file: opening without blocking keeps a FIFO put in the file's place from stalling us.
+struct FileCloser {
+    void operator()(FILE *file) const
+    {
+        (void)fclose(file);
+    }
+};
+
+std::optional<std::string> ReadRegularFile(const std::string &path)
+{
+    const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (fd < 0) {
+        return std::nullopt;
+    }
+    std::unique_ptr<FILE, FileCloser> file(fdopen(fd, "rb"));
+    if (file == nullptr) {
+        (void)close(fd);
+        return std::nullopt;
+    }
+    struct stat info {};
+    if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        return std::nullopt;
+    }
+    std::string content;
+    char buffer[16384];
+    size_t got = 0;
+    while ((got = fread(buffer, 1, sizeof(buffer), file.get())) > 0) {
+        content.append(buffer, got);
+    }
+    if (ferror(file.get()) != 0) {
+        return std::nullopt;
+    }
+    return content;
+}
+
+struct BioDeleter {
+    void operator()(BIO *bio) const
+    {
+        BIO_free(bio);
+    }
+};
+struct InfoStackDeleter {
+    void operator()(STACK_OF(X509_INFO) *infos) const
+    {
+        sk_X509_INFO_pop_free(infos, X509_INFO_free);
+    }
+};
+
+// What OpenSSL's CA file reader (and so libcurl) takes from a PEM file: every certificate and
+// every revocation list in it.
+bool AddPemObjects(X509_STORE *store, const std::string &pem)
+{
+    std::unique_ptr<BIO, BioDeleter> bio(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())));
+    if (bio == nullptr) {
+        return false;
+    }
+    std::unique_ptr<STACK_OF(X509_INFO), InfoStackDeleter> infos(
+        PEM_X509_INFO_read_bio(bio.get(), nullptr, nullptr, nullptr));
+    if (infos == nullptr) {
+        return false;
+    }
+    for (int i = 0; i < sk_X509_INFO_num(infos.get()); ++i) {
+        X509_INFO *info = sk_X509_INFO_value(infos.get(), i);
+        if (info->x509 != nullptr && X509_STORE_add_cert(store, info->x509) != 1) {
+            return false;
+        }
+        if (info->crl != nullptr && X509_STORE_add_crl(store, info->crl) != 1) {
+            return false;
+        }
+    }
+    return true;
+}
 } // namespace
 
-CachedCaStore::CachedCaStore(StorePtr store) : store_(std::move(store))
+CachedCaStore::CachedCaStore(StorePtr store, std::string version)
+    : store_(std::move(store)), version_(std::move(version))
 {
 }
 
-std::shared_ptr<CachedCaStore> CachedCaStore::Load(const std::string &path)
+std::shared_ptr<CachedCaStore> CachedCaStore::Load(const std::string &path, std::string version)
 {
+    const std::optional<std::string> pem = ReadRegularFile(path);
     StorePtr store(X509_STORE_new());
-    if (store == nullptr) {
+    if (!pem.has_value() || store == nullptr) {
         return nullptr;
     }
-    // The reader libcurl uses for a CA file, so the same files load with the same content.
-    const bool loaded = X509_STORE_load_file(store.get(), path.c_str()) == 1 && HoldsCertificate(store.get());
+    const bool loaded = AddPemObjects(store.get(), *pem) && HoldsCertificate(store.get());
     // A failed read leaves errors on this thread's queue, where libcurl would later take them
     // for the cause of a TLS failure.
     ERR_clear_error();
@@ -47,7 +129,7 @@ std::shared_ptr<CachedCaStore> CachedCaStore::Load(const std::string &path)
     }
     // The chain-building flags libcurl sets on the store it fills itself when it verifies peers.
     (void)X509_STORE_set_flags(store.get(), X509_V_FLAG_TRUSTED_FIRST | X509_V_FLAG_PARTIAL_CHAIN);
-    return std::make_shared<CachedCaStore>(std::move(store));
+    return std::make_shared<CachedCaStore>(std::move(store), std::move(version));
 }
 
 bool CachedCaStore::ApplyTo(CURL *curl) const
@@ -59,8 +141,12 @@ bool CachedCaStore::ApplyTo(CURL *curl) const
     }
     (void)curl_easy_setopt(curl, CURLOPT_CAINFO, static_cast<const char *>(nullptr));
     (void)curl_easy_setopt(curl, CURLOPT_CAPATH, static_cast<const char *>(nullptr));
-    (void)curl_easy_setopt(curl, CURLOPT_SHARE, share_.Get());
     return true;
+}
+
+const std::string &CachedCaStore::Version() const
+{
+    return version_;
 }
 
 // Runs for each TLS connection of the handle. The store becomes the connection's verification

@@ -7,16 +7,12 @@
 #include <curl/curl.h>
 #include <openssl/x509_vfy.h>
 
-#include "curl_share.h"
-
 namespace OHOS {
 namespace Vorn {
 // One version of a CA file, parsed once: the certificates that transfers naming it verify
-// servers against, and the TLS sessions and DNS results those transfers share. Sessions are
-// shared per store on purpose: a resumed session skips certificate verification, and libcurl
-// tells its cached sessions apart by host, port and CA file options, not by a store installed
-// through the SSL context callback. One share for all stores would let a transfer resume a
-// session that a store trusting other CAs had verified.
+// servers against. Connections and TLS sessions verified with it are kept per version too (the
+// transfer loop's trust contexts name it): libcurl tells kept connections and sessions apart by
+// host, port and CA file options, not by a store installed through the SSL context callback.
 class CachedCaStore {
 public:
     struct StoreDeleter {
@@ -27,21 +23,23 @@ public:
     };
     using StorePtr = std::unique_ptr<X509_STORE, StoreDeleter>;
 
-    explicit CachedCaStore(StorePtr store);
+    CachedCaStore(StorePtr store, std::string version);
 
-    // The certificates of the file at `path`, or null when it holds none.
-    static std::shared_ptr<CachedCaStore> Load(const std::string &path);
+    // The certificates of the regular file at `path`, or null when it holds none or is not a
+    // regular file (which is then never opened for reading: a FIFO would block the opener).
+    static std::shared_ptr<CachedCaStore> Load(const std::string &path, std::string version);
 
-    // Makes `curl` verify servers against this store instead of reading a CA file, and share
-    // sessions and DNS results with the other transfers of this store. False when the handle
-    // cannot take a store; it is then left as it was. The store must outlive the handle.
+    // Makes `curl` verify servers against this store instead of reading a CA file. False when
+    // the handle cannot take a store; it is then left as it was. The store must outlive the handle.
     bool ApplyTo(CURL *curl) const;
+    // The file version this store was parsed from.
+    const std::string &Version() const;
 
 private:
     static CURLcode InstallStore(CURL *curl, void *sslCtx, void *store);
 
     StorePtr store_;
-    CurlShare share_;
+    std::string version_;
 };
 } // namespace Vorn
 } // namespace OHOS

@@ -1,18 +1,16 @@
 #ifndef VORN_HTTP_CURL_SHARE_H
 #define VORN_HTTP_CURL_SHARE_H
 
-#include <array>
-#include <cstddef>
 #include <memory>
-#include <mutex>
 
 #include <curl/curl.h>
 
 namespace OHOS {
 namespace Vorn {
-// A libcurl share of TLS sessions and DNS results for the handles that name it, with one lock
-// per kind of shared data so that a session look-up never waits for a DNS one. Connections are
-// not shared: this libcurl does not make a shared connection pool safe across threads.
+// A libcurl share of kept connections, TLS sessions and DNS results for the transfers of one
+// trust context. It has no lock callbacks on purpose: only the transfer loop's thread ever
+// attaches it to a handle, runs transfers with it and cleans it up, and libcurl does not make
+// a shared connection pool safe across threads anyway.
 class CurlShare {
 public:
     CurlShare();
@@ -20,7 +18,7 @@ public:
     CurlShare(const CurlShare &) = delete;
     CurlShare &operator=(const CurlShare &) = delete;
 
-    // Null when libcurl could not set the share up; handles then simply share nothing.
+    // Null when libcurl could not set the share up; transfers then share nothing.
     CURLSH *Get() const;
 
 private:
@@ -31,11 +29,6 @@ private:
         }
     };
 
-    static void Lock(CURL *curl, curl_lock_data data, curl_lock_access access, void *self);
-    static void Unlock(CURL *curl, curl_lock_data data, void *self);
-
-    std::array<std::mutex, static_cast<size_t>(CURL_LOCK_DATA_LAST)> locks_;
-    // Declared after the locks: libcurl may still take them while it cleans the share up.
     std::unique_ptr<CURLSH, ShareDeleter> share_;
 };
 } // namespace Vorn

@@ -35,16 +35,16 @@ TransferLoop::~TransferLoop()
     thread_.join();
 }
 
-ffrt::future<CURLcode> TransferLoop::Perform(CURL *curl)
+ffrt::future<CURLcode> TransferLoop::Perform(CURL *curl, const std::string &trustContext)
 {
-    TransferLoop *loop = Running();
+    TransferLoop *loop = Started();
     if (loop == nullptr) {
         return Finished(NOT_RUN);
     }
-    return loop->Hand(curl);
+    return loop->Hand(curl, trustContext);
 }
 
-TransferLoop *TransferLoop::Running()
+TransferLoop *TransferLoop::Started()
 {
     static ffrt::mutex startMutex;
     static std::unique_ptr<TransferLoop> loop;
@@ -57,12 +57,12 @@ TransferLoop *TransferLoop::Running()
         VORN_LOGE("TransferLoop: curl_multi_init failed");
         return nullptr;
     }
-    // Each transfer gets a connection of its own (see HttpLogic); multiplexing would let one
-    // transfer's streams ride on another's connection.
-    const CURLMcode code = curl_multi_setopt(multi.get(), CURLMOPT_PIPELINING, static_cast<long>(CURLPIPE_NOTHING));
+    // Multiplexing stays on (libcurl's default): streams only share a connection within one
+    // trust context, as the connection pools are per context. The bound applies to each
+    // context's pool, as libcurl checks it against the pool a transfer returns its connection to.
+    const CURLMcode code = curl_multi_setopt(multi.get(), CURLMOPT_MAXCONNECTS, MAX_KEPT_CONNECTIONS);
     if (code != CURLM_OK) {
-        VORN_LOGE("TransferLoop: CURLMOPT_PIPELINING failed, code = %{public}d", static_cast<int>(code));
-        return nullptr;
+        VORN_LOGW("TransferLoop: CURLMOPT_MAXCONNECTS failed, code = %{public}d", static_cast<int>(code));
     }
     try {
         loop = std::make_unique<TransferLoop>(StartKey {}, std::move(multi));
@@ -80,10 +80,11 @@ ffrt::future<CURLcode> TransferLoop::Finished(CURLcode code)
     return done.get_future();
 }
 
-ffrt::future<CURLcode> TransferLoop::Hand(CURL *curl)
+ffrt::future<CURLcode> TransferLoop::Hand(CURL *curl, const std::string &trustContext)
 {
     Transfer transfer;
     transfer.curl = curl;
+    transfer.trustContext = trustContext;
     ffrt::future<CURLcode> result = transfer.done.get_future();
     std::lock_guard<ffrt::mutex> lock(queueMutex_);
     if (stopping_) {
@@ -119,7 +120,8 @@ void TransferLoop::Run()
         }
     }
     AbortAll();
-    // The multi handle dies on this thread, the only one that ever used it.
+    // The shares and the multi handle die on this thread, the only one that ever used them.
+    shares_ = TrustShares();
     multi_.reset();
 }
 
@@ -142,13 +144,45 @@ bool TransferLoop::TakeQueued()
 
 bool TransferLoop::Add(Transfer &transfer)
 {
+    std::string held = Attach(transfer);
     const CURLMcode code = curl_multi_add_handle(multi_.get(), transfer.curl);
     if (code != CURLM_OK) {
         VORN_LOGE("TransferLoop: curl_multi_add_handle failed, code = %{public}d", static_cast<int>(code));
+        Detach(transfer.curl, held);
         return false;
     }
-    running_.emplace(transfer.curl, std::move(transfer.done));
+    running_.emplace(transfer.curl, Running {std::move(held), std::move(transfer.done)});
     return true;
+}
+
+// The share must be on the handle before it joins the multi handle, which picks the pool a
+// transfer takes connections from when it is added. A transfer without a share would use the
+// multi handle's own pool, common to all contexts, so it must neither take nor leave anything there.
+std::string TransferLoop::Attach(const Transfer &transfer)
+{
+    CURLSH *share = transfer.trustContext.empty() ? nullptr : shares_.Hold(transfer.trustContext);
+    if (share != nullptr && curl_easy_setopt(transfer.curl, CURLOPT_SHARE, share) == CURLE_OK) {
+        (void)curl_easy_setopt(transfer.curl, CURLOPT_MAXAGE_CONN, MAX_IDLE_SECONDS);
+        return transfer.trustContext;
+    }
+    if (share != nullptr) {
+        shares_.Release(transfer.trustContext);
+    }
+    (void)curl_easy_setopt(transfer.curl, CURLOPT_FRESH_CONNECT, 1L);
+    (void)curl_easy_setopt(transfer.curl, CURLOPT_FORBID_REUSE, 1L);
+    return "";
+}
+
+// Called once the handle is out of the multi handle, so that the attempt's thread, which frees
+// the handle, never touches a share.
+void TransferLoop::Detach(CURL *curl, const std::string &heldContext)
+{
+    if (heldContext.empty()) {
+        return;
+    }
+    CURLSH *none = nullptr;
+    (void)curl_easy_setopt(curl, CURLOPT_SHARE, none);
+    shares_.Release(heldContext);
 }
 
 void TransferLoop::ReportDone()
@@ -173,7 +207,8 @@ void TransferLoop::Report(CURL *curl, CURLcode code)
     if (found == running_.end()) {
         return;
     }
-    found->second.set_value(code);
+    Detach(curl, found->second.trustContext);
+    found->second.done.set_value(code);
     running_.erase(found);
 }
 

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include <sys/stat.h>
+
 #include <nlohmann/json.hpp>
 
 #include "ca_store_cache.h"
@@ -15,6 +17,7 @@
 #include "string_utils.h"
 #include "transfer_loop.h"
 #include "vorn_log.h"
+#include "vorn_metrics.h"
 
 namespace OHOS {
 namespace Vorn {
@@ -36,6 +39,26 @@ bool EnvironmentNamesHttpsProxy()
         }
     }
     return false;
+}
+
+// libcurl opens a CA file itself when it reads it; opening a FIFO blocks until someone writes
+// to it, and a device may never end, which would stall the one transfer loop for every client.
+// A name that does not exist is left to libcurl, which reports it as it always did.
+bool NamesSomethingElseThanAFile(const std::string &caFile)
+{
+    struct stat info {};
+    return !caFile.empty() && stat(caFile.c_str(), &info) == 0 && !S_ISREG(info.st_mode);
+}
+
+// libcurl also takes its proxy, and the hosts that bypass it, from these variables.
+std::string ProxyEnvironment()
+{
+    std::string values;
+    for (const char *name : {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY", "no_proxy", "NO_PROXY"}) {
+        const char *value = std::getenv(name);
+        values.append(name).append("=").append(value == nullptr ? "" : value).append(";");
+    }
+    return values;
 }
 
 HttpLogic::ProtocolSetters SettersFor(CURL *curl)
@@ -110,6 +133,10 @@ long HttpLogic::PostHttpsRequest()
         !SetRequiredOption(CURLOPT_POSTFIELDS, postBody_.c_str(), "CURLOPT_POSTFIELDS Failed code = %{public}d")) {
         return -1;
     }
+    if (NamesSomethingElseThanAFile(requestInfo_.caFile)) {
+        VORN_LOGE("HttpLogic: caFile is not a regular file, refused: %{private}s", requestInfo_.caFile.c_str());
+        return -1;
+    }
     if (!SetTransferOptions()) {
         return -1;
     }
@@ -117,7 +144,9 @@ long HttpLogic::PostHttpsRequest()
 
     // The transfer runs on the transfer loop; this task is suspended, not its worker held,
     // until the loop has finished with the handle and handed it back.
-    CURLcode code = TransferLoop::Perform(curl_.get()).get();
+    const std::string trustContext = CaStoreCache::IsEnabled() ? TrustContext() : "";
+    CURLcode code = TransferLoop::Perform(curl_.get(), trustContext).get();
+    CountConnections();
     if (code != CURLE_OK) {
         VORN_LOGI("Failed to access the server, code = %{public}d", static_cast<int>(code));
         return -1;
@@ -198,22 +227,63 @@ void HttpLogic::SetCaOptions()
     if (caStore_ != nullptr && caStore_->ApplyTo(curl)) {
         return;
     }
+    caStore_.reset();
     (void)curl_easy_setopt(curl, CURLOPT_CAINFO, requestInfo_.caFile.c_str());
 }
 
-// What running on the shared multi handle adds, results ignored. Connections stay one per
-// transfer, as they were with one handle per transfer: libcurl would hand a kept connection to
-// any transfer with the same host and TLS option strings, and it does not compare the SSL
-// context callback that installs a cached CA store, so a connection verified against one CA
-// could serve a transfer that trusts another. For the same reason libcurl's own CA cache,
-// which belongs to the multi handle and knows a CA file only by its path, stays off: a CA file
-// is read afresh unless our own cache, which checks the file's version, holds it.
+// Everything that decides how a connection is verified and routed, beyond what libcurl
+// compares itself: the CA file's version (a changed file is a new context), the proxy with its
+// exclusions, the interface or none, and the TLS settings.
+std::string HttpLogic::TrustContext() const
+{
+    std::string context;
+    if (caStore_ != nullptr) {
+        context.append("store=").append(caStore_->Version());
+    } else {
+        context.append("file=").append(CaStoreCache::VersionOf(requestInfo_.caFile).value_or(requestInfo_.caFile));
+    }
+    context.append("\nproxy=").append(proxyContext_);
+    context.append("\nenv=").append(ProxyEnvironment());
+    context.append("\ninterface=").append(requestInfo_.interfaceName.empty() ? "-" : "+" + requestInfo_.interfaceName);
+    context.append("\ntls=").append(std::to_string(CURL_SSLVERSION_TLSv1_2)).append(";").append(CIPHER_LIST);
+    context.append(";").append(std::to_string(VERIFY_HOST_NAME));
+    return context;
+}
+
+// libcurl reads "caFile" for every connection it opens when no cached store is installed.
+void HttpLogic::CountConnections() const
+{
+    long opened = 0;
+    if (curl_easy_getinfo(curl_.get(), CURLINFO_NUM_CONNECTS, &opened) != CURLE_OK) {
+        return;
+    }
+    if (opened > 0) {
+        VornMetrics::Add(VornMetrics::Counter::CONNECTIONS_OPENED, static_cast<uint64_t>(opened));
+        if (caStore_ == nullptr) {
+            VornMetrics::Add(VornMetrics::Counter::CA_LOADS, static_cast<uint64_t>(opened));
+        }
+        return;
+    }
+    long status = 0;
+    if (curl_easy_getinfo(curl_.get(), CURLINFO_RESPONSE_CODE, &status) == CURLE_OK && status != 0) {
+        VornMetrics::Add(VornMetrics::Counter::CONNECTIONS_REUSED);
+    }
+}
+
+// What running on the shared multi handle adds, results ignored. With the transport cache,
+// connections are kept per trust context by the transfer loop; without it each transfer opens
+// a connection of its own and leaves none behind. libcurl's own CA cache stays off either way:
+// it belongs to the multi handle and knows a CA file only by its path, so it would go on
+// trusting a file's old content; our own cache checks the file's version.
 void HttpLogic::SetLoopOptions()
 {
     CURL *curl = curl_.get();
+    (void)curl_easy_setopt(curl, CURLOPT_CA_CACHE_TIMEOUT, 0L);
+    if (CaStoreCache::IsEnabled()) {
+        return;
+    }
     (void)curl_easy_setopt(curl, CURLOPT_FRESH_CONNECT, 1L);
     (void)curl_easy_setopt(curl, CURLOPT_FORBID_REUSE, 1L);
-    (void)curl_easy_setopt(curl, CURLOPT_CA_CACHE_TIMEOUT, 0L);
 }
 
 void HttpLogic::SetupOtherCurlOptions() const
@@ -354,6 +424,7 @@ void HttpLogic::SetCurlHttpProxy() const
         return;
     }
     VORN_LOGI("Set default proxy");
+    proxyContext_ = host + ":" + std::to_string(port) + ";" + exclusions;
     CURL *curl = curl_.get();
     (void)curl_easy_setopt(curl, CURLOPT_PROXY, host.c_str());
     (void)curl_easy_setopt(curl, CURLOPT_PROXYPORT, static_cast<long>(port));

@@ -91,6 +91,9 @@ private:
     bool PassesRawHeads() const;
     void SetCaOptions();
     void SetLoopOptions();
+    std::string TrustContext() const;
+    // Adds the transfer's new or kept connection to the service's counters.
+    void CountConnections() const;
 
     VornInitConfigParser::VornRequestInfo requestInfo_;
     std::string hostName_;
@@ -101,8 +104,9 @@ private:
     // Set when the transfer verifies with a cached store; declared before the handle, which
     // uses the store's session cache until it is freed.
     std::shared_ptr<const CachedCaStore> caStore_;
-    // Whether SetCurlHttpProxy chose a proxy reached over TLS.
+    // Whether SetCurlHttpProxy chose a proxy reached over TLS, and the proxy it chose.
     mutable bool httpsProxy_ = false;
+    mutable std::string proxyContext_;
     // The header list is declared after the handle so it is freed first, as the handle may
     // still point at it.
     std::unique_ptr<CURL, CurlDeleter> curl_;

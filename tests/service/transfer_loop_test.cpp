@@ -6,7 +6,6 @@
 #include <curl/curl.h>
 #include <gtest/gtest.h>
 
-#include "connect_proxy.h"
 #include "hilog_host.h"
 #include "https_fixture.h"
 #include "log_lines.h"
@@ -73,30 +72,6 @@ TEST_F(TransferLoopTest, ConcurrentTransfersEachGetTheirOwnResponse)
         EXPECT_EQ(outcomes[i].body, std::string(100 + i * 997, 'a' + i % 26)) << i;
     }
     EXPECT_EQ(server_->RequestCount(), static_cast<size_t>(TRANSFERS));
-}
-
-// The loop's multi handle would keep connections for later transfers; a kept connection was
-// verified against the CA of the transfer that opened it, not against the next one's.
-TEST_F(TransferLoopTest, NoTransferRidesOnAnEarlierTransfersConnection)
-{
-    server_->Respond("/c", HttpResponse::Text(200, "c"));
-    auto otherCa = VornTestbed::MakeCertificateFiles(dir_.Path("other"));
-    ASSERT_TRUE(otherCa.has_value());
-    auto untrusting = Request({});
-    untrusting.caFile = otherCa->caFile;
-
-    ASSERT_EQ(Post(Request({}), Url("/c")).status, 200);
-    EXPECT_EQ(Post(untrusting, Url("/c")).status, -1);
-    EXPECT_EQ(server_->RequestCount("/c"), 1u);
-
-    VornTestbed::ConnectProxy proxy;
-    ASSERT_TRUE(proxy.Start());
-    VornTest::ScopedEnv env("VORN_DEFAULT_HTTP_PROXY", "127.0.0.1:" + std::to_string(proxy.Port()));
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(Post(Request({}), Url("/c")).status, 200);
-    }
-    // One tunnel, that is one connection, per transfer.
-    EXPECT_EQ(proxy.Targets().size(), 3u);
 }
 
 TEST_F(TransferLoopTest, AHandleTheLoopCannotTakeIsReportedNotRun)

@@ -1,13 +1,18 @@
+#include <cerrno>
 #include <regex>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
 #include "connect_proxy.h"
 #include "hilog_host.h"
 #include "https_fixture.h"
+#include "log_lines.h"
 #include "response_size_guard.h"
 #include "vorn_http_logic.h"
 
@@ -196,6 +201,28 @@ TEST_F(HttpLogicTest, RejectsCertificatesFromAnotherCaAndMissingCaFiles)
     info.caFile = dir_.Path("missing.pem");
     EXPECT_EQ(Post(info, Url("/x")).status, -1);
     EXPECT_EQ(server_->RequestCount(), 0u);
+}
+
+// Opening a FIFO for reading blocks until a writer comes, on the one thread that runs every
+// transfer; such names are refused before anything opens them.
+TEST_F(HttpLogicTest, ACaFileThatIsNoRegularFileIsRefusedUnopened)
+{
+    server_->Respond("/x", HttpResponse::Text(200, "x"));
+    const std::string fifo = dir_.Path("ca.fifo");
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    HostPlatform::LogCapture logs;
+
+    for (const std::string &caFile : {fifo, dir_.Path("pki"), std::string("/dev/zero")}) {
+        auto info = Request({});
+        info.caFile = caFile;
+        EXPECT_EQ(Post(info, Url("/x")).status, -1) << caFile;
+    }
+    EXPECT_EQ(VornTest::ServiceLines(logs, LOG_ERROR, "HttpLogic: caFile is not a regular file, refused: <private>"), 3u);
+    // A writer can only open a FIFO that some reader holds open.
+    errno = 0;
+    EXPECT_EQ(open(fifo.c_str(), O_WRONLY | O_NONBLOCK), -1);
+    EXPECT_EQ(errno, ENXIO);
+    EXPECT_EQ(server_->Connections(), 0u);
 }
 
 TEST_F(HttpLogicTest, PostWithoutInitFails)

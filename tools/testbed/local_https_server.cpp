@@ -168,8 +168,18 @@ size_t LocalHttpsServer::FailedHandshakes() const
     return failedHandshakes_;
 }
 
+size_t LocalHttpsServer::Connections() const
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    return connections_;
+}
+
 void LocalHttpsServer::ServeConnection(int fd)
 {
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        ++connections_;
+    }
     SslPtr ssl(context_ ? SSL_new(context_.get()) : nullptr);
     if (context_ && !ssl) {
         return;
@@ -196,7 +206,7 @@ void LocalHttpsServer::ServeConnection(int fd)
         request.tlsVersion = stream.TlsVersion();
         request.serverName = stream.ServerName();
         Record(request);
-        if (!sender.Send(Dispatch(request), !WantsClose(request))) {
+        if (!sender.Send(Dispatch(request), !WantsClose(request)) || options_.closeIdleConnections) {
             break;
         }
     }

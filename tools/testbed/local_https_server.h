@@ -27,6 +27,9 @@ struct ServerOptions {
     // security level with it, since the library refuses old protocols otherwise.
     int maxProtocol = 0;
     std::string cipherList;  // TLS 1.2 and older; empty keeps the library's default
+    // Closes each connection once its first response is sent, without announcing it, as a
+    // server does whose idle time-out is shorter than the client's.
+    bool closeIdleConnections = false;
 
     static ServerOptions Tls(const CertificateFiles& files);
     static ServerOptions PlainHttp();
@@ -65,6 +68,8 @@ public:
     void ClearRequests();
     // TLS handshakes that failed, e.g. because the client rejected the certificate.
     size_t FailedHandshakes() const;
+    // TCP connections accepted so far, whether or not their handshake succeeded.
+    size_t Connections() const;
 
 private:
     bool SetUpTls();
@@ -85,6 +90,7 @@ private:
     std::vector<HttpRequest> requests_;
     std::map<std::string, size_t> pathCounts_;
     size_t failedHandshakes_ = 0;
+    size_t connections_ = 0;
 };
 } // namespace VornTestbed
 

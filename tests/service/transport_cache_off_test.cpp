@@ -1,0 +1,45 @@
+#include <cstdlib>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "ca_store_cache.h"
+#include "https_fixture.h"
+#include "vorn_http_logic.h"
+#include "vorn_metrics.h"
+
+namespace {
+using OHOS::Vorn::CaStoreCache;
+using OHOS::Vorn::HttpLogic;
+using OHOS::Vorn::VornMetrics;
+using VornTestbed::HttpResponse;
+
+// The transport reads its switch once per process, so this file switches it off before any
+// test runs.
+const bool SWITCHED_OFF = setenv("VORN_TRANSPORT_CACHE", "0", 1) == 0;
+
+class TransportCacheOffTest : public VornTest::HttpsFixture {
+protected:
+    static void SetUpTestSuite()
+    {
+        ASSERT_TRUE(SWITCHED_OFF);
+        ASSERT_TRUE(HttpLogic::GlobalInit());
+    }
+};
+
+TEST_F(TransportCacheOffTest, EveryRequestOpensItsOwnConnectionAndReadsTheCaFile)
+{
+    ASSERT_FALSE(CaStoreCache::IsEnabled());
+    server_->Respond("/x", HttpResponse::Text(200, "x"));
+    const uint64_t caLoadsBefore = VornMetrics::Get(VornMetrics::Counter::CA_LOADS);
+    for (int i = 0; i < 3; ++i) {
+        HttpLogic logic(Request({}), Url("/x"));
+        ASSERT_EQ(logic.InitHttpLogic(), 0);
+        EXPECT_EQ(logic.PostHttpsRequest(), 200);
+    }
+    EXPECT_EQ(server_->Connections(), 3u);
+    EXPECT_EQ(CaStoreCache::GetInstance().Loads(), 0u);
+    EXPECT_EQ(VornMetrics::Get(VornMetrics::Counter::CA_LOADS), caLoadsBefore + 3);
+    EXPECT_EQ(VornMetrics::Get(VornMetrics::Counter::CONNECTIONS_REUSED), 0u);
+}
+} // namespace

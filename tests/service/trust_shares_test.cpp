@@ -1,0 +1,214 @@
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include <curl/curl.h>
+#include <gtest/gtest.h>
+
+#include "connect_proxy.h"
+#include "hilog_host.h"
+#include "https_fixture.h"
+#include "transfer_loop.h"
+#include "trust_shares.h"
+#include "vorn_http_logic.h"
+#include "vorn_metrics.h"
+
+namespace {
+using OHOS::Vorn::HttpLogic;
+using OHOS::Vorn::TransferLoop;
+using OHOS::Vorn::TrustShares;
+using OHOS::Vorn::VornMetrics;
+using VornTestbed::HttpResponse;
+
+struct EasyDeleter {
+    void operator()(CURL *curl) const
+    {
+        curl_easy_cleanup(curl);
+    }
+};
+
+// Connections are told apart by what the server counts: each TCP connection it accepts.
+class KeptConnectionTest : public VornTest::HttpsFixture {
+protected:
+    static void SetUpTestSuite()
+    {
+        ASSERT_TRUE(HttpLogic::GlobalInit());
+    }
+
+    void SetUp() override
+    {
+        VornTest::HttpsFixture::SetUp();
+        server_->Respond("/k", HttpResponse::Text(200, "k"));
+    }
+
+    long Post(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info) const
+    {
+        HttpLogic logic(info, Url("/k"));
+        EXPECT_EQ(logic.InitHttpLogic(), 0);
+        return logic.PostHttpsRequest();
+    }
+
+    long Post() const
+    {
+        return Post(Request({}));
+    }
+
+    static std::string ReadFile(const std::string &path)
+    {
+        std::ifstream in(path);
+        std::ostringstream content;
+        content << in.rdbuf();
+        return content.str();
+    }
+
+    // Puts `content` in place of `path` the way bundles are updated: a new file renamed over it.
+    void Replace(const std::string &path, const std::string &content) const
+    {
+        const std::string staged = dir_.WriteFile("staged.pem", content);
+        ASSERT_EQ(std::rename(staged.c_str(), path.c_str()), 0);
+    }
+};
+
+TEST_F(KeptConnectionTest, RequestsInARowShareOneConnection)
+{
+    const uint64_t openedBefore = VornMetrics::Get(VornMetrics::Counter::CONNECTIONS_OPENED);
+    const uint64_t reusedBefore = VornMetrics::Get(VornMetrics::Counter::CONNECTIONS_REUSED);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(Post(), 200);
+    }
+    EXPECT_EQ(server_->Connections(), 1u);
+    EXPECT_EQ(server_->RequestCount("/k"), 3u);
+    EXPECT_EQ(VornMetrics::Get(VornMetrics::Counter::CONNECTIONS_OPENED), openedBefore + 1);
+    EXPECT_EQ(VornMetrics::Get(VornMetrics::Counter::CONNECTIONS_REUSED), reusedBefore + 2);
+}
+
+// The kept connection was verified against the fixture's CA; a transfer naming another CA
+// must verify for itself, and fail.
+TEST_F(KeptConnectionTest, AnUntrustingCaFileNeverTakesAVerifiedConnection)
+{
+    auto other = VornTestbed::MakeCertificateFiles(dir_.Path("other"));
+    ASSERT_TRUE(other.has_value());
+    auto untrusting = Request({});
+    untrusting.caFile = other->caFile;
+
+    ASSERT_EQ(Post(), 200);
+    EXPECT_EQ(Post(untrusting), -1);
+    EXPECT_EQ(Post(untrusting), -1);
+    EXPECT_EQ(server_->Connections(), 3u);
+    EXPECT_EQ(server_->FailedHandshakes(), 2u);
+    EXPECT_EQ(server_->RequestCount("/k"), 1u);
+    // The trusted connection is still kept for its own context.
+    EXPECT_EQ(Post(), 200);
+    EXPECT_EQ(server_->Connections(), 3u);
+}
+
+TEST_F(KeptConnectionTest, ACaFileWhoseContentChangedIsFollowedOnTheNextRequest)
+{
+    auto other = VornTestbed::MakeCertificateFiles(dir_.Path("other"));
+    ASSERT_TRUE(other.has_value());
+    const std::string trusted = ReadFile(files_.caFile);
+    auto info = Request({});
+    info.caFile = dir_.WriteFile("trust/ca.pem", trusted);
+
+    ASSERT_EQ(Post(info), 200);
+    Replace(info.caFile, ReadFile(other->caFile));
+    EXPECT_EQ(Post(info), -1);
+    EXPECT_EQ(server_->Connections(), 2u);
+
+    Replace(info.caFile, trusted);
+    EXPECT_EQ(Post(info), 200);
+    EXPECT_EQ(server_->Connections(), 3u);
+    EXPECT_EQ(server_->RequestCount("/k"), 2u);
+}
+
+TEST_F(KeptConnectionTest, EachRouteGetsItsOwnConnection)
+{
+    ASSERT_EQ(Post(), 200);
+    auto bound = Request({});
+    bound.interfaceName = "lo";
+    EXPECT_EQ(Post(bound), 200);
+    EXPECT_EQ(Post(bound), 200);
+    EXPECT_EQ(server_->Connections(), 2u);
+    // libcurl itself would give the bound connection to a transfer that names no interface.
+    EXPECT_EQ(Post(), 200);
+    EXPECT_EQ(server_->Connections(), 2u);
+
+    VornTestbed::ConnectProxy proxy;
+    ASSERT_TRUE(proxy.Start());
+    const std::string proxySetting = "127.0.0.1:" + std::to_string(proxy.Port());
+    {
+        VornTest::ScopedEnv env("VORN_DEFAULT_HTTP_PROXY", proxySetting);
+        EXPECT_EQ(Post(), 200);
+        EXPECT_EQ(Post(), 200);
+    }
+    EXPECT_EQ(server_->Connections(), 3u);
+    {
+        VornTest::ScopedEnv env("VORN_DEFAULT_HTTP_PROXY", proxySetting + ";example.invalid");
+        EXPECT_EQ(Post(), 200);
+    }
+    EXPECT_EQ(server_->Connections(), 4u);
+    EXPECT_EQ(proxy.Targets().size(), 2u);
+    EXPECT_EQ(server_->RequestCount("/k"), 7u);
+}
+
+// Within one trust context libcurl's own comparison still applies: a transfer with other TLS
+// settings opens its own connection.
+TEST_F(KeptConnectionTest, OtherTlsSettingsInOneContextOpenANewConnection)
+{
+    auto post = [this](const char *ciphers) {
+        std::unique_ptr<CURL, EasyDeleter> curl(curl_easy_init());
+        const std::string url = Url("/k");
+        (void)curl_easy_setopt(curl.get(), CURLOPT_URL, url.c_str());
+        (void)curl_easy_setopt(curl.get(), CURLOPT_CAINFO, files_.caFile.c_str());
+        (void)curl_easy_setopt(curl.get(), CURLOPT_SSL_CIPHER_LIST, ciphers);
+        (void)curl_easy_setopt(curl.get(), CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+        (void)curl_easy_setopt(curl.get(), CURLOPT_POSTFIELDS, "{}");
+        (void)curl_easy_setopt(curl.get(), CURLOPT_WRITEFUNCTION,
+            +[](char *, size_t size, size_t count, void *) { return size * count; });
+        return TransferLoop::Perform(curl.get(), "tls-test " + files_.caFile).get();
+    };
+    EXPECT_EQ(post(HttpLogic::CIPHER_LIST), CURLE_OK);
+    EXPECT_EQ(post(HttpLogic::CIPHER_LIST), CURLE_OK);
+    EXPECT_EQ(server_->Connections(), 1u);
+    EXPECT_EQ(post("ECDHE-ECDSA-AES128-GCM-SHA256:ECDHE-RSA-AES128-GCM-SHA256"), CURLE_OK);
+    EXPECT_EQ(server_->Connections(), 2u);
+}
+
+// A server whose idle time-out is shorter than ours closes the kept connection; the next
+// request notices (or retries once on a fresh connection) and is answered as usual.
+TEST_F(KeptConnectionTest, AServerThatClosesIdleConnectionsIsStillAnswered)
+{
+    auto options = VornTestbed::ServerOptions::Tls(files_);
+    options.closeIdleConnections = true;
+    VornTestbed::LocalHttpsServer closing(options);
+    ASSERT_TRUE(closing.Start());
+    closing.Respond("/k", HttpResponse::Text(200, "k"));
+    HostPlatform::LogCapture logs;
+
+    for (int i = 0; i < 4; ++i) {
+        HttpLogic logic(Request({}), closing.BaseUrl() + "/k");
+        ASSERT_EQ(logic.InitHttpLogic(), 0);
+        EXPECT_EQ(logic.PostHttpsRequest(), 200) << i;
+        EXPECT_EQ(logic.GetResponseBody(), "k");
+    }
+    EXPECT_EQ(closing.Connections(), 4u);
+    EXPECT_EQ(logs.CountContaining("Failed to access the server"), 0u);
+}
+
+TEST(TrustSharesTest, KeepsEightContextsButNeverDropsOneInUse)
+{
+    TrustShares shares;
+    CURLSH *held = shares.Hold("held");
+    ASSERT_NE(held, nullptr);
+    for (int i = 0; i < 12; ++i) {
+        const std::string context = "idle" + std::to_string(i);
+        ASSERT_NE(shares.Hold(context), nullptr);
+        shares.Release(context);
+    }
+    EXPECT_EQ(shares.Size(), TrustShares::MAX_CONTEXTS);
+    EXPECT_EQ(shares.Hold("held"), held);
+    EXPECT_NE(shares.Hold("idle11"), nullptr);
+}
+} // namespace
