@@ -17,6 +17,7 @@
 #include "vorn_error_code.h"
 #include "vorn_http_logic.h"
 #include "vorn_log.h"
+#include "vorn_metrics.h"
 #include "vorn_thread.h"
 
 namespace OHOS {
@@ -56,9 +57,11 @@ bool BudgetExceeded(uint64_t requestStartTime)
     return elapsed > REQUEST_BUDGET_MS;
 }
 
-void Deliver(const sptr<IVornRequestCallback> &callback, const std::string &response)
+// Sends one response; `code` is its "code" member, counted for the service's dump.
+void Deliver(const sptr<IVornRequestCallback> &callback, int64_t code, const std::string &response)
 {
     if (callback != nullptr) {
+        VornMetrics::CountResponse(code);
         callback->OnResponse(response);
     }
 }
@@ -138,7 +141,8 @@ void FailTooLarge(const sptr<IVornRequestCallback> &callback, long status, size_
     VORN_LOGE("VornServerLogic response too large: %{public}lu bytes reached, %{public}lu fit",
         static_cast<unsigned long>(reached), static_cast<unsigned long>(MAX_RESPONSE_SIZE));
     StampExchange(*statistics, status);
-    Deliver(callback, VornServerLogic::GetResponse(ERR_FAILED, MESSAGE_TOO_LARGE, "", "", statistics));
+    VornMetrics::Add(VornMetrics::Counter::RESPONSES_TOO_LARGE);
+    Deliver(callback, ERR_FAILED, VornServerLogic::GetResponse(ERR_FAILED, MESSAGE_TOO_LARGE, "", "", statistics));
 }
 
 // The last guard, for what the transfer could not foresee (say, synthetic heads grown large from
@@ -150,7 +154,7 @@ bool DeliverIfItFits(const sptr<IVornRequestCallback> &callback, long status, co
         FailTooLarge(callback, status, response.size(), statistics);
         return false;
     }
-    Deliver(callback, response);
+    Deliver(callback, status, response);
     return true;
 }
 } // namespace
@@ -178,6 +182,7 @@ int32_t VornServerLogic::GetAllServiceUrl(const sptr<IVornRequestCallback> &call
         NextTaskName(HTTP_TASK_PREFIX));
     if (job.wait_until(std::chrono::steady_clock::now() + JOB_WAIT) != ffrt::future_status::ready) {
         VORN_LOGW("VornServerLogic::GetAllServiceUrl futrue wait timeout");
+        VornMetrics::Add(VornMetrics::Counter::JOB_WAIT_TIMEOUTS);
         return ERR_FAILED;
     }
     int32_t code = CollectCode(job, "request job", [](VornErrorCodeType result) { return result; });
@@ -196,7 +201,7 @@ int32_t VornServerLogic::FailEarly(const std::string &message) const
     response["body"] = "";
     response["code"] = ERR_FAILED;
     response["message"] = message;
-    Deliver(callback_, Serialise(response));
+    Deliver(callback_, ERR_FAILED, Serialise(response));
     return ERR_FAILED;
 }
 
@@ -232,6 +237,7 @@ int32_t VornServerLogic::SubmitRequestTask(VornInitConfigParser::VornRequestInfo
 {
     if (BudgetExceeded(requestStartTime)) {
         VORN_LOGW("SubmitRequestTask:: time to return:%{public}lu", static_cast<unsigned long>(requestStartTime));
+        VornMetrics::Add(VornMetrics::Counter::WALKS_OVER_BUDGET);
         return ERR_FAILED;
     }
     if (info.baseUrls.empty()) {
@@ -244,6 +250,7 @@ int32_t VornServerLogic::SubmitRequestTask(VornInitConfigParser::VornRequestInfo
     for (const std::string &url : info.baseUrls) {
         if (BudgetExceeded(requestStartTime)) {
             VORN_LOGW("SubmitRequestTask:: time to return:%{public}lu", static_cast<unsigned long>(requestStartTime));
+            VornMetrics::Add(VornMetrics::Counter::WALKS_OVER_BUDGET);
             return ERR_FAILED;
         }
         auto statistics = std::make_shared<VornRequestStatistics>();
@@ -257,6 +264,7 @@ int32_t VornServerLogic::SubmitRequestTask(VornInitConfigParser::VornRequestInfo
             NextTaskName(CURL_TASK_PREFIX));
         if (attempt.wait_until(std::chrono::steady_clock::now() + ATTEMPT_WAIT) != ffrt::future_status::ready) {
             VORN_LOGI("SubmitRequestTask:: next");
+            VornMetrics::Add(VornMetrics::Counter::ATTEMPTS_OVERTAKEN);
             pendingFutures.push_back(std::move(attempt));
             continue;
         }
@@ -282,6 +290,8 @@ VornServerLogic::VornRequestResult VornServerLogic::ThreadFunc(VornInitConfigPar
     std::shared_ptr<VornRequestStatistics> statistics)
 {
     statistics->startTime = static_cast<uint64_t>(TimeUtils::GetTimeMills());
+    VornMetrics::Add(VornMetrics::Counter::ATTEMPTS);
+    VornMetrics::InFlight inFlight(VornMetrics::Gauge::ATTEMPTS_IN_FLIGHT);
     const bool isLastUrl = attemptIndex == info.baseUrls.size();
     auto httpLogic = std::make_shared<HttpLogic>(info, url);
     int initCode = httpLogic->InitHttpLogic();
@@ -289,7 +299,7 @@ VornServerLogic::VornRequestResult VornServerLogic::ThreadFunc(VornInitConfigPar
         VORN_LOGI("VornServerLogic::InitHttpLogic failed:%{public}d", initCode);
         if (isLastUrl) {
             statistics->hasStatistics = false;
-            Deliver(callback, GetResponse(ERR_FAILED, MESSAGE_INIT_FAILED, "", "", statistics));
+            Deliver(callback, ERR_FAILED, GetResponse(ERR_FAILED, MESSAGE_INIT_FAILED, "", "", statistics));
         }
         return {initCode, ""};
     }
