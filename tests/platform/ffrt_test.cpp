@@ -1,11 +1,16 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cerrno>
 #include <cstdint>
+#include <cstring>
+#include <exception>
+#include <fstream>
 #include <future>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -98,6 +103,119 @@ TEST(FfrtPoolTest, TasksWaitingInRuntimePrimitivesGiveTheirWorkersBack)
     EXPECT_LE(HostPlatform::FfrtPeakWorkerCount(), HostPlatform::FfrtWorkerThreadLimit());
 }
 
+size_t ProcessThreads()
+{
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.rfind("Threads:", 0) == 0) {
+            return std::stoul(line.substr(std::strlen("Threads:")));
+        }
+    }
+    return 0;
+}
+
+// Suspended tasks hold no thread: with far more tasks waiting at once than the thread limit,
+// the process keeps to the limit plus the runtime's timer and the test's own thread.
+TEST(FfrtPoolTest, SuspendedTasksHoldNoThread)
+{
+    constexpr size_t waiting = 300;
+    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
+    const size_t threadsBefore = ProcessThreads();
+    const size_t workersBefore = HostPlatform::FfrtWorkerCount();
+    ffrt::mutex mutex;
+    ffrt::condition_variable opened;
+    bool open = false;
+    std::vector<ffrt::future<void>> sleepers;
+    for (size_t i = 0; i < waiting; ++i) {
+        ffrt::submit([&] {
+            std::unique_lock<ffrt::mutex> lock(mutex);
+            opened.wait(lock, [&] { return open; });
+        });
+        sleepers.push_back(ffrt::async([] { ffrt::this_task::sleep_for(50ms); }));
+    }
+    const auto deadline = std::chrono::steady_clock::now() + SETTLE_TIMEOUT;
+    while (HostPlatform::FfrtSuspendedTaskCount() < waiting && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::yield();
+    }
+    EXPECT_GE(HostPlatform::FfrtSuspendedTaskCount(), waiting);
+    EXPECT_LE(HostPlatform::FfrtWorkerCount(), HostPlatform::FfrtWorkerThreadLimit());
+    EXPECT_LE(ProcessThreads(), threadsBefore + HostPlatform::FfrtWorkerThreadLimit() - workersBefore + 1);
+    for (ffrt::future<void> &sleeper : sleepers) {
+        sleeper.get();
+    }
+    {
+        std::lock_guard<ffrt::mutex> lock(mutex);
+        open = true;
+    }
+    opened.notify_all();
+    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
+    EXPECT_EQ(HostPlatform::FfrtSuspendedTaskCount(), 0U);
+}
+
+// errno read and written afresh. Within one function the compiler may keep errno's address
+// across a call, which no runtime that resumes tasks on other threads can honour, the device's
+// neither; code that looks errno up after a wait must see the task's own value.
+__attribute__((noinline)) void SetErrno(int value)
+{
+    errno = value;
+}
+
+__attribute__((noinline)) int Errno()
+{
+    return errno;
+}
+
+// What a task's code keeps per thread must follow it to whichever worker resumes it: its errno,
+// the exception its catch block handles, the children ffrt::wait waits for. Many tasks switch
+// out and back in on few workers, so they interleave on each thread and change threads.
+TEST(FfrtPoolTest, TaskStateFollowsTheTaskAcrossSwitches)
+{
+    constexpr int tasks = 48;
+    constexpr int rounds = 20;
+    std::atomic<int> wrong {0};
+    std::atomic<int> childrenDone {0};
+    for (int i = 0; i < tasks; ++i) {
+        ffrt::submit([i, &wrong, &childrenDone] {
+            auto check = [&wrong](bool good) {
+                if (!good) {
+                    ++wrong;
+                }
+            };
+            const uint64_t id = ffrt::this_task::get_id();
+            for (int round = 0; round < rounds; ++round) {
+                SetErrno(1000 + i);
+                round % 2 == 0 ? ffrt::this_task::yield() : ffrt::this_task::sleep_for(1ms);
+                check(Errno() == 1000 + i && ffrt::this_task::get_id() == id);
+            }
+            try {
+                throw std::runtime_error(std::to_string(i));
+            } catch (const std::exception &) {
+                ffrt::this_task::sleep_for(1ms);
+                check(std::uncaught_exceptions() == 0);
+                try {
+                    throw;
+                } catch (const std::runtime_error &again) {
+                    check(again.what() == std::to_string(i));
+                }
+            }
+            std::atomic<int> mine {0};
+            for (int child = 0; child < 3; ++child) {
+                ffrt::submit([&mine, &childrenDone] {
+                    ffrt::this_task::sleep_for(2ms);
+                    ++mine;
+                    ++childrenDone;
+                });
+            }
+            ffrt::wait();
+            check(mine.load() == 3);
+        });
+    }
+    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
+    EXPECT_EQ(wrong.load(), 0);
+    EXPECT_EQ(childrenDone.load(), tasks * 3);
+}
+
 // A task blocked in a std:: wait keeps its slot: with every slot held that way, nothing else runs
 // until one of them is let go.
 TEST(FfrtPoolTest, TasksBlockedInStdWaitsKeepTheirWorkers)
@@ -150,6 +268,47 @@ TEST(FfrtSyncTest, MutexExcludesAcrossSuspendedTasks)
     }
     ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
     EXPECT_EQ(counter, tasks * rounds);
+}
+
+// Time-outs and notifies race for the same waiters, from tasks and from a plain thread: every
+// wait ends exactly once, none is lost, and the mutex still excludes.
+TEST(FfrtSyncTest, TimedWaitsRacingNotifiesEachEndOnce)
+{
+    constexpr int waiters = 64;
+    constexpr int rounds = 30;
+    ffrt::mutex mutex;
+    ffrt::condition_variable changed;
+    int inside = 0;
+    std::atomic<int> overlaps {0};
+    std::atomic<int> ended {0};
+    auto waitRounds = [&] {
+        for (int round = 0; round < rounds; ++round) {
+            std::unique_lock<ffrt::mutex> lock(mutex);
+            if (++inside != 1) {
+                ++overlaps;
+            }
+            --inside;
+            changed.wait_for(lock, std::chrono::microseconds(100 + round * 50));
+            if (++inside != 1) {
+                ++overlaps;
+            }
+            --inside;
+            ++ended;
+        }
+    };
+    for (int i = 0; i < waiters; ++i) {
+        ffrt::submit(waitRounds);
+    }
+    std::thread outside(waitRounds);
+    while (ended.load() < (waiters + 1) * rounds) {
+        changed.notify_one();
+        changed.notify_all();
+        std::this_thread::yield();
+    }
+    outside.join();
+    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
+    EXPECT_EQ(ended.load(), (waiters + 1) * rounds);
+    EXPECT_EQ(overlaps.load(), 0);
 }
 
 TEST(FfrtSyncTest, RecursiveMutexReentersOnlyForItsOwner)

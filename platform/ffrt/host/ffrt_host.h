@@ -11,8 +11,8 @@ namespace HostPlatform {
 bool FfrtIsIdle();
 // Waits until FfrtIsIdle() holds or the timeout passes; returns whether it holds.
 bool FfrtWaitIdle(std::chrono::milliseconds timeout);
-// Worker threads alive now, over all QoS levels; a thread parked under a task suspended in a
-// runtime wait is not counted. Grows while ready work finds no idle worker, shrinks after idling.
+// Worker threads alive now, over all QoS levels. Grows while ready work finds no idle worker,
+// shrinks after idling; tasks suspended in runtime waits hold none.
 size_t FfrtWorkerCount();
 // Most worker threads alive at once since the process started (or the last FfrtResetPeaks).
 size_t FfrtPeakWorkerCount();
@@ -20,6 +20,8 @@ size_t FfrtPeakWorkerCount();
 size_t FfrtRunningCount();
 // Most tasks holding a running slot of one QoS level at once since start or FfrtResetPeaks.
 size_t FfrtPeakRunningCount();
+// Tasks switched out in a runtime wait now (mutex, condition, sleep, future, task waits).
+size_t FfrtSuspendedTaskCount();
 // Starts both peaks afresh from the present counts.
 void FfrtResetPeaks();
 // The limits per QoS level in force: running workers (VORN_FFRT_WORKERS, default 8) and worker

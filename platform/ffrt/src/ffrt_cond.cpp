@@ -1,7 +1,11 @@
+#include <algorithm>
 #include <chrono>
+#include <mutex>
+#include <optional>
 #include <new>
 
 #include "c/condition_variable.h"
+#include "c/mutex.h"
 #include "runtime.h"
 #include "sync_objects.h"
 
@@ -9,6 +13,7 @@ using HostFfrt::CondObject;
 using HostFfrt::LoadObject;
 using HostFfrt::MutexObject;
 using HostFfrt::StoreObject;
+using HostFfrt::Waiter;
 
 namespace {
 CondObject *Cond(ffrt_cond_t *cond)
@@ -16,26 +21,46 @@ CondObject *Cond(ffrt_cond_t *cond)
     return cond == nullptr ? nullptr : LoadObject<CondObject>(cond);
 }
 
-// Only a normal mutex can be waited with: the std:: condition underneath needs a std::mutex.
+// Only a normal mutex can be waited with: a recursive one held several levels deep would be
+// left held by the wait.
 MutexObject *WaitableMutex(ffrt_mutex_t *mutex)
 {
     MutexObject *object = mutex == nullptr ? nullptr : LoadObject<MutexObject>(mutex);
     return object == nullptr || object->recursive ? nullptr : object;
 }
 
-// Waits with the mutex handed to the condition, and leaves the ownership bookkeeping as it was.
-template <typename Wait>
-void WaitOn(MutexObject &mutex, Wait &&wait)
+// Queues the waiter before the mutex is let go, so a notify made after that is never missed.
+// Returns false when the deadline passed first.
+bool WaitOn(CondObject &cond, ffrt_mutex_t *mutex, std::optional<std::chrono::steady_clock::time_point> deadline)
 {
-    std::unique_lock<std::mutex> lock(mutex.mutex, std::adopt_lock);
-    mutex.owner.store(std::thread::id(), std::memory_order_relaxed);
-    {
-        HostFfrt::TaskSuspension suspension;
-        wait(lock);
+    Waiter waiter;
+    std::unique_lock<std::mutex> guard(cond.guard);
+    cond.waiters.push_back(&waiter);
+    ffrt_mutex_unlock(mutex);
+    const bool woken = waiter.Park(&guard, deadline);
+    if (!woken) {
+        guard.lock();
+        auto position = std::find(cond.waiters.begin(), cond.waiters.end(), &waiter);
+        if (position != cond.waiters.end()) {
+            cond.waiters.erase(position);
+        }
+        guard.unlock();
     }
-    mutex.owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
-    mutex.depth = 1;
-    lock.release();
+    ffrt_mutex_lock(mutex);
+    return woken;
+}
+
+// Wakes waiters in arrival order, skipping those whose deadline claimed them already.
+void WakeWaiters(CondObject &cond, bool all)
+{
+    std::lock_guard<std::mutex> guard(cond.guard);
+    while (!cond.waiters.empty()) {
+        Waiter *waiter = cond.waiters.front();
+        cond.waiters.pop_front();
+        if (waiter->Wake() && !all) {
+            return;
+        }
+    }
 }
 } // namespace
 
@@ -55,7 +80,7 @@ int ffrt_cond_signal(ffrt_cond_t *cond)
     if (object == nullptr) {
         return ffrt_error_inval;
     }
-    object->cond.notify_one();
+    WakeWaiters(*object, false);
     return ffrt_success;
 }
 
@@ -65,7 +90,7 @@ int ffrt_cond_broadcast(ffrt_cond_t *cond)
     if (object == nullptr) {
         return ffrt_error_inval;
     }
-    object->cond.notify_all();
+    WakeWaiters(*object, true);
     return ffrt_success;
 }
 
@@ -76,7 +101,7 @@ int ffrt_cond_wait(ffrt_cond_t *cond, ffrt_mutex_t *mutex)
     if (object == nullptr || held == nullptr) {
         return ffrt_error_inval;
     }
-    WaitOn(*held, [object](std::unique_lock<std::mutex> &lock) { object->cond.wait(lock); });
+    WaitOn(*object, mutex, std::nullopt);
     return ffrt_success;
 }
 
@@ -90,11 +115,7 @@ int ffrt_cond_timedwait(ffrt_cond_t *cond, ffrt_mutex_t *mutex, const struct tim
     const std::chrono::steady_clock::time_point deadline {std::chrono::duration_cast<
         std::chrono::steady_clock::duration>(std::chrono::seconds(time_point->tv_sec) +
         std::chrono::nanoseconds(time_point->tv_nsec))};
-    std::cv_status status = std::cv_status::no_timeout;
-    WaitOn(*held, [object, deadline, &status](std::unique_lock<std::mutex> &lock) {
-        status = object->cond.wait_until(lock, deadline);
-    });
-    return status == std::cv_status::timeout ? ffrt_error_timedout : ffrt_success;
+    return WaitOn(*object, mutex, deadline) ? ffrt_success : ffrt_error_timedout;
 }
 
 int ffrt_cond_destroy(ffrt_cond_t *cond)

@@ -33,6 +33,11 @@ size_t FfrtPeakRunningCount()
     return HostFfrt::Runtime::Instance().PeakRunningCount();
 }
 
+size_t FfrtSuspendedTaskCount()
+{
+    return HostFfrt::Runtime::Instance().SuspendedCount();
+}
+
 void FfrtResetPeaks()
 {
     HostFfrt::Runtime::Instance().ResetPeaks();

@@ -1,4 +1,6 @@
+#include <mutex>
 #include <new>
+#include <optional>
 
 #include "c/mutex.h"
 #include "runtime.h"
@@ -7,6 +9,7 @@
 using HostFfrt::LoadObject;
 using HostFfrt::MutexObject;
 using HostFfrt::StoreObject;
+using HostFfrt::Waiter;
 
 int ffrt_mutexattr_init(ffrt_mutexattr_t *attr)
 {
@@ -51,56 +54,76 @@ int ffrt_mutex_init(ffrt_mutex_t *mutex, const ffrt_mutexattr_t *attr)
     return object == nullptr ? ffrt_error_nomem : ffrt_success;
 }
 
+namespace {
+MutexObject *Mutex(ffrt_mutex_t *mutex)
+{
+    return mutex == nullptr ? nullptr : LoadObject<MutexObject>(mutex);
+}
+
+// Takes the mutex if it is free or already ours (recursive only); needs the guard.
+bool TryTake(MutexObject &object, const void *self)
+{
+    if (!object.locked) {
+        object.locked = true;
+        object.owner = self;
+        object.depth = 1;
+        return true;
+    }
+    if (object.recursive && object.owner == self) {
+        ++object.depth;
+        return true;
+    }
+    return false;
+}
+} // namespace
+
 int ffrt_mutex_lock(ffrt_mutex_t *mutex)
 {
-    MutexObject *object = mutex == nullptr ? nullptr : LoadObject<MutexObject>(mutex);
+    MutexObject *object = Mutex(mutex);
     if (object == nullptr) {
         return ffrt_error_inval;
     }
-    const std::thread::id self = std::this_thread::get_id();
-    if (object->recursive && object->owner.load(std::memory_order_relaxed) == self) {
-        ++object->depth;
+    Waiter waiter;
+    std::unique_lock<std::mutex> guard(object->guard);
+    if (TryTake(*object, waiter.Identity())) {
         return ffrt_success;
     }
-    if (!object->mutex.try_lock()) {
-        HostFfrt::TaskSuspension suspension;
-        object->mutex.lock();
-    }
-    object->owner.store(self, std::memory_order_relaxed);
-    object->depth = 1;
+    object->waiters.push_back(&waiter);
+    // The unlocking side makes us the owner before it wakes us.
+    waiter.Park(&guard, std::nullopt);
     return ffrt_success;
 }
 
 int ffrt_mutex_trylock(ffrt_mutex_t *mutex)
 {
-    MutexObject *object = mutex == nullptr ? nullptr : LoadObject<MutexObject>(mutex);
+    MutexObject *object = Mutex(mutex);
     if (object == nullptr) {
         return ffrt_error_inval;
     }
-    const std::thread::id self = std::this_thread::get_id();
-    if (object->recursive && object->owner.load(std::memory_order_relaxed) == self) {
-        ++object->depth;
-        return ffrt_success;
-    }
-    if (!object->mutex.try_lock()) {
-        return ffrt_error_busy;
-    }
-    object->owner.store(self, std::memory_order_relaxed);
-    object->depth = 1;
-    return ffrt_success;
+    std::lock_guard<std::mutex> guard(object->guard);
+    return TryTake(*object, Waiter::CurrentIdentity()) ? ffrt_success : ffrt_error_busy;
 }
 
 int ffrt_mutex_unlock(ffrt_mutex_t *mutex)
 {
-    MutexObject *object = mutex == nullptr ? nullptr : LoadObject<MutexObject>(mutex);
+    MutexObject *object = Mutex(mutex);
     if (object == nullptr) {
         return ffrt_error_inval;
     }
+    std::lock_guard<std::mutex> guard(object->guard);
     if (--object->depth > 0) {
         return ffrt_success;
     }
-    object->owner.store(std::thread::id(), std::memory_order_relaxed);
-    object->mutex.unlock();
+    if (object->waiters.empty()) {
+        object->locked = false;
+        object->owner = nullptr;
+        return ffrt_success;
+    }
+    Waiter *next = object->waiters.front();
+    object->waiters.pop_front();
+    object->owner = next->Identity();
+    object->depth = 1;
+    next->Wake();
     return ffrt_success;
 }
 

@@ -1,7 +1,9 @@
 #include "runtime.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <cxxabi.h>
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
@@ -26,7 +28,28 @@ constexpr std::chrono::milliseconds TRIM_DELAY {500};
 // such a task never runs.
 constexpr uint64_t MAX_DELAY_US = 100ULL * 365 * 24 * 3600 * 1000 * 1000;
 
+// Worker threads set it around every switch into a task. Task code may resume on another
+// thread than it suspended on; it reads thread-local state only through these out-of-line
+// accessors, so no address computed on the old thread is ever reused.
 thread_local RuntimeTask *g_currentTask = nullptr;
+// Children of code that runs outside tasks; a task keeps its own in RuntimeTask::children.
+thread_local std::shared_ptr<WaitGroup> g_threadWaitGroup;
+
+__attribute__((noinline)) RuntimeTask *&CurrentTaskSlot()
+{
+    return g_currentTask;
+}
+
+__attribute__((noinline)) std::shared_ptr<WaitGroup> &ThreadWaitGroup()
+{
+    return g_threadWaitGroup;
+}
+
+ExceptionState *ThreadExceptionState()
+{
+    // libstdc++'s per-thread record starts with these two fields.
+    return reinterpret_cast<ExceptionState *>(abi::__cxa_get_globals());
+}
 
 // A limit from the environment; anything but a whole number in 1..MAX_LIMIT keeps the default.
 size_t LimitFromEnv(const char *name, size_t fallback)
@@ -41,26 +64,6 @@ size_t LimitFromEnv(const char *name, size_t fallback)
         return fallback;
     }
     return static_cast<size_t>(value);
-}
-// Children of the running task (or, outside tasks, of the thread) that ffrt_wait waits for.
-thread_local std::shared_ptr<WaitGroup> g_waitGroup;
-
-std::shared_ptr<WaitGroup> CurrentWaitGroup()
-{
-    if (g_waitGroup == nullptr) {
-        g_waitGroup = std::make_shared<WaitGroup>();
-    }
-    return g_waitGroup;
-}
-
-void RunOnThisThread(RuntimeTask *task)
-{
-    RuntimeTask *outerTask = std::exchange(g_currentTask, task);
-    std::shared_ptr<WaitGroup> outerGroup = std::exchange(g_waitGroup, nullptr);
-    // An exception leaving the function ends the process, as it does on a device.
-    ExecuteFunction(std::exchange(task->function, nullptr));
-    g_waitGroup = std::move(outerGroup);
-    g_currentTask = outerTask;
 }
 } // namespace
 
@@ -86,7 +89,23 @@ size_t Runtime::GroupIndex(ffrt_qos_t qos)
 
 RuntimeTask *Runtime::CurrentTask()
 {
-    return g_currentTask;
+    return CurrentTaskSlot();
+}
+
+RuntimeTask *Runtime::SuspendableTask()
+{
+    RuntimeTask *task = CurrentTask();
+    return task != nullptr && task->fiber != nullptr ? task : nullptr;
+}
+
+std::shared_ptr<WaitGroup> Runtime::CurrentWaitGroup()
+{
+    RuntimeTask *task = CurrentTask();
+    std::shared_ptr<WaitGroup> &group = task != nullptr ? task->children : ThreadWaitGroup();
+    if (group == nullptr) {
+        group = std::make_shared<WaitGroup>();
+    }
+    return group;
 }
 
 RuntimeTask *Runtime::Submit(ffrt_function_header_t *f, const ffrt_task_attr_t *attr, TaskQueue *queue, bool atHead)
@@ -160,37 +179,12 @@ void Runtime::PushToPool(RuntimeTask *task)
     Kick(groups_[task->slotGroup]);
 }
 
-// Hands free running slots to woken tasks first (they are older work), then to ready tasks. A
-// woken task's thread becomes a worker thread again, so it also needs room under the thread
-// limit; when there is none, an idle worker leaves to make it.
-void Runtime::Grant(WorkerGroup &group)
-{
-    while (!group.resuming.empty() && group.running < workerLimit_ && group.threads < threadLimit_) {
-        Resumer *resumer = group.resuming.front();
-        group.resuming.pop_front();
-        resumer->granted = true;
-        ++group.running;
-        peakRunning_ = std::max(peakRunning_, group.running);
-        CountThread(group, true);
-        resumer->wake.notify_one();
-    }
-    if (NeedsRoomForResumer(group)) {
-        group.workAvailable.notify_all();
-    }
-    Kick(group);
-}
-
-bool Runtime::NeedsRoomForResumer(const WorkerGroup &group) const
-{
-    return !group.resuming.empty() && group.running < workerLimit_ && group.threads >= threadLimit_;
-}
-
-// Wakes or starts a worker for every ready task that a free running slot allows, within the
-// thread limit.
+// Wakes or starts a worker for every ready or resumable task that a free running slot allows,
+// within the thread limit.
 void Runtime::Kick(WorkerGroup &group)
 {
     const size_t freeSlots = group.running < workerLimit_ ? workerLimit_ - group.running : 0;
-    const size_t startable = std::min(group.ready.size(), freeSlots);
+    const size_t startable = std::min(group.ready.size() + group.resuming.size(), freeSlots);
     const size_t groupIndex = static_cast<size_t>(&group - groups_.data());
     while (group.idle < startable && group.threads < threadLimit_) {
         if (!SpawnWorker(groupIndex)) {
@@ -236,14 +230,8 @@ void Runtime::WorkerMain(size_t groupIndex)
     Lock lock(mutex_);
     Clock::time_point idleSince = Clock::now();
     for (;;) {
-        if (NeedsRoomForResumer(group)) {
-            CountThread(group, false);
-            --group.idle;
-            Grant(group);
-            return;
-        }
-        if (!group.ready.empty() && group.running < workerLimit_) {
-            RunTask(lock, group, groupIndex);
+        if ((!group.resuming.empty() || !group.ready.empty()) && group.running < workerLimit_) {
+            RunNext(lock, group, groupIndex);
             idleSince = Clock::now();
             continue;
         }
@@ -265,73 +253,169 @@ void Runtime::WorkerMain(size_t groupIndex)
     }
 }
 
-void Runtime::RunTask(Lock &lock, WorkerGroup &group, size_t groupIndex)
+// Woken tasks go first: they are older work.
+void Runtime::RunNext(Lock &lock, WorkerGroup &group, size_t groupIndex)
 {
-    RuntimeTask *task = group.ready.front();
-    group.ready.pop_front();
+    RuntimeTask *task = nullptr;
+    if (!group.resuming.empty()) {
+        task = group.resuming.front();
+        group.resuming.pop_front();
+    } else {
+        task = group.ready.front();
+        group.ready.pop_front();
+        task->state = TaskState::RUNNING;
+        task->slotGroup = groupIndex;
+    }
     --group.idle;
     ++group.running;
     peakRunning_ = std::max(peakRunning_, group.running);
-    task->state = TaskState::RUNNING;
-    task->slotGroup = groupIndex;
     lock.unlock();
-    RunOnThisThread(task);
+    SwitchInto(*task);
+    if (task->reason == SwitchReason::EXIT) {
+        task->fiber.reset();
+    }
     lock.lock();
     --group.running;
     ++group.idle;
-    if (task->queue != nullptr) {
-        --task->queue->active;
-    }
-    Settle(task, TaskState::FINISHED);
-    Grant(group);
+    AfterSwitch(task);
+    Kick(group);
 }
 
-bool Runtime::LeaveSlot()
+void Runtime::TaskMain(void *arg)
 {
-    RuntimeTask *task = CurrentTask();
+    auto *task = static_cast<RuntimeTask *>(arg);
+    // An exception leaving the function ends the process, as it does on a device.
+    ExecuteFunction(std::exchange(task->function, nullptr));
+    task->reason = SwitchReason::EXIT;
+}
+
+// Runs the task until it switches back: on its fiber, or, without one, right here to the end.
+void Runtime::SwitchInto(RuntimeTask &task)
+{
+    RuntimeTask *outer = std::exchange(CurrentTaskSlot(), &task);
+    if (task.fiber == nullptr && task.function != nullptr) {
+        task.fiber = Fiber::Create(&Runtime::TaskMain, &task);
+    }
+    if (task.fiber == nullptr) {
+        TaskMain(&task);
+        CurrentTaskSlot() = outer;
+        return;
+    }
+    errno = task.savedErrno;
+    std::swap(*ThreadExceptionState(), task.exceptions);
+    task.fiber->Resume();
+    std::swap(*ThreadExceptionState(), task.exceptions);
+    task.savedErrno = errno;
+    CurrentTaskSlot() = outer;
+}
+
+void Runtime::AfterSwitch(RuntimeTask *task)
+{
+    switch (task->reason) {
+        case SwitchReason::PARK:
+            if (!std::exchange(task->wakePending, false)) {
+                task->parked = true;
+                ++suspended_;
+                return;
+            }
+            groups_[task->slotGroup].resuming.push_back(task);
+            return;
+        case SwitchReason::YIELD:
+            groups_[task->slotGroup].resuming.push_back(task);
+            return;
+        case SwitchReason::EXIT:
+            if (task->queue != nullptr) {
+                --task->queue->active;
+            }
+            Settle(task, TaskState::FINISHED);
+            return;
+    }
+}
+
+bool Runtime::Suspend(Waiter &waiter, std::unique_lock<std::mutex> *guard, std::optional<Clock::time_point> deadline)
+{
+    RuntimeTask &task = *waiter.task_;
+    if (deadline.has_value()) {
+        Lock lock(mutex_);
+        waiter.deadlineEntry_ = deadlines_.emplace(*deadline, &waiter);
+        waiter.hasDeadlineEntry_ = true;
+        EnsureTimer();
+        if (waiter.deadlineEntry_ == deadlines_.begin()) {
+            timerChanged_.notify_one();
+        }
+    }
+    if (guard != nullptr) {
+        guard->unlock();
+    }
+    task.reason = SwitchReason::PARK;
+    task.fiber->Suspend();
+    if (!deadline.has_value()) {
+        return true;
+    }
+    Lock lock(mutex_);
+    if (waiter.hasDeadlineEntry_) {
+        deadlines_.erase(waiter.deadlineEntry_);
+        waiter.hasDeadlineEntry_ = false;
+    }
+    return !waiter.timedOut_;
+}
+
+void Runtime::Resume(RuntimeTask *task)
+{
+    Lock lock(mutex_);
+    ResumeLocked(task);
+}
+
+// A task still on its way out of its fiber is queued by its worker once it is out.
+void Runtime::ResumeLocked(RuntimeTask *task)
+{
+    if (!task->parked) {
+        task->wakePending = true;
+        return;
+    }
+    task->parked = false;
+    --suspended_;
+    WorkerGroup &group = groups_[task->slotGroup];
+    group.resuming.push_back(task);
+    Kick(group);
+}
+
+bool Runtime::Yield()
+{
+    RuntimeTask *task = SuspendableTask();
     if (task == nullptr) {
         return false;
     }
-    Lock lock(mutex_);
-    LeaveSlotLocked(*task);
+    task->reason = SwitchReason::YIELD;
+    task->fiber->Suspend();
     return true;
 }
 
-void Runtime::TakeSlot()
-{
-    Lock lock(mutex_);
-    TakeSlotLocked(lock, *CurrentTask());
-}
-
-void Runtime::LeaveSlotLocked(RuntimeTask &task)
-{
-    WorkerGroup &group = groups_[task.slotGroup];
-    --group.running;
-    CountThread(group, false);
-    Grant(group);
-}
-
-void Runtime::TakeSlotLocked(Lock &lock, RuntimeTask &task)
-{
-    WorkerGroup &group = groups_[task.slotGroup];
-    Resumer resumer;
-    group.resuming.push_back(&resumer);
-    Grant(group);
-    resumer.wake.wait(lock, [&resumer] { return resumer.granted; });
-}
-
-// Waits on the runtime's own condition; a task waiting here gives its slot back meanwhile.
+// Waits until tasks settled as `pred` wants; a task waiting here is switched out meanwhile and
+// resumed by the settling that makes `pred` true.
 template <typename Pred>
 void Runtime::WaitSettled(Lock &lock, Pred pred)
 {
-    RuntimeTask *task = CurrentTask();
+    RuntimeTask *task = SuspendableTask();
     if (pred() || task == nullptr) {
         settled_.wait(lock, pred);
         return;
     }
-    LeaveSlotLocked(*task);
-    settled_.wait(lock, pred);
-    TakeSlotLocked(lock, *task);
+    settleWaiters_.push_back(SettleWaiter {task, pred});
+    lock.unlock();
+    task->reason = SwitchReason::PARK;
+    task->fiber->Suspend();
+    lock.lock();
+}
+
+void Runtime::WakeSettleWaiters()
+{
+    auto done = std::partition(settleWaiters_.begin(), settleWaiters_.end(),
+        [](const SettleWaiter &waiter) { return !waiter.done(); });
+    for (auto it = done; it != settleWaiters_.end(); ++it) {
+        ResumeLocked(it->task);
+    }
+    settleWaiters_.erase(done, settleWaiters_.end());
 }
 
 // The pool is back to its base set after a burst. glibc keeps what the burst's workers freed in
@@ -360,23 +444,54 @@ void Runtime::TimerMain()
 {
     Lock lock(mutex_);
     for (;;) {
-        if (timers_.empty()) {
+        EndDueWaits();
+        if (timers_.empty() && deadlines_.empty()) {
             timerChanged_.wait(lock);
             continue;
         }
-        RuntimeTask *task = *timers_.begin();
         // A copy: the task may be cancelled and freed while we wait, and wait_until reads its
         // deadline again after waking.
-        Clock::time_point due = task->due;
+        const Clock::time_point due = NextTimerDue();
         if (Clock::now() < due) {
             timerChanged_.wait_until(lock, due);
             continue;
         }
+        if (timers_.empty() || (*timers_.begin())->due > due) {
+            continue;
+        }
+        RuntimeTask *task = *timers_.begin();
         timers_.erase(timers_.begin());
         if (task->queue != nullptr) {
             --task->queue->delayed;
         }
         MakeDue(task, false);
+    }
+}
+
+Runtime::Clock::time_point Runtime::NextTimerDue() const
+{
+    Clock::time_point due = Clock::time_point::max();
+    if (!timers_.empty()) {
+        due = (*timers_.begin())->due;
+    }
+    if (!deadlines_.empty()) {
+        due = std::min(due, deadlines_.begin()->first);
+    }
+    return due;
+}
+
+// Timed waits whose deadline passed end as time-outs, unless a wake claimed them first.
+void Runtime::EndDueWaits()
+{
+    const Clock::time_point now = Clock::now();
+    while (!deadlines_.empty() && deadlines_.begin()->first <= now) {
+        Waiter *waiter = deadlines_.begin()->second;
+        deadlines_.erase(deadlines_.begin());
+        waiter->hasDeadlineEntry_ = false;
+        if (waiter->Claim()) {
+            waiter->timedOut_ = true;
+            ResumeLocked(waiter->task_);
+        }
     }
 }
 
@@ -440,6 +555,7 @@ void Runtime::Settle(RuntimeTask *task, TaskState state)
         }
     }
     settled_.notify_all();
+    WakeSettleWaiters();
     RuntimeTask::Release(task);
 }
 
@@ -545,6 +661,12 @@ size_t Runtime::RunningCount()
     return running;
 }
 
+size_t Runtime::SuspendedCount()
+{
+    Lock lock(mutex_);
+    return suspended_;
+}
+
 size_t Runtime::PeakRunningCount()
 {
     Lock lock(mutex_);
@@ -561,14 +683,4 @@ void Runtime::ResetPeaks()
     }
 }
 
-TaskSuspension::TaskSuspension() : suspended_(Runtime::Instance().LeaveSlot())
-{
-}
-
-TaskSuspension::~TaskSuspension()
-{
-    if (suspended_) {
-        Runtime::Instance().TakeSlot();
-    }
-}
 } // namespace HostFfrt

@@ -7,9 +7,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -17,18 +19,23 @@
 #include "c/task.h"
 #include "runtime_task.h"
 #include "task_queue.h"
+#include "waiter.h"
 
 namespace HostFfrt {
 // The process-wide task runtime, shaped like the device's: per QoS level at most `workerLimit`
 // tasks run at once and at most `threadLimit` worker threads exist (VORN_FFRT_WORKERS and
-// VORN_FFRT_THREADS, 8 and 16 by default). A task blocked in a std:: primitive or a system call
-// keeps its running slot, as the device cannot see it either. A task waiting on one of the
-// runtime's own primitives gives its slot back and its thread is parked outside the worker
-// count (on a device it would be a coroutine set aside); once woken it needs a slot again.
-// A timer thread holds delayed tasks until they are due, and queues feed tasks to the pool one
-// slot at a time. One lock guards all of it; functions of tasks run and are destroyed outside it.
+// VORN_FFRT_THREADS, 8 and 16 by default). Every task runs on a fiber of its own. A task blocked
+// in a std:: primitive or a system call keeps its worker thread and running slot, as the device
+// cannot see it either. A task waiting on one of the runtime's own primitives switches back to
+// its worker, which runs other tasks; once woken it queues to resume on any worker of its level
+// with a free slot. So threads stay within the limit however many tasks wait.
+// A timer thread holds delayed tasks until they are due and ends timed waits, and queues feed
+// tasks to the pool one slot at a time. One lock guards all of it; functions of tasks run and
+// are destroyed outside it.
 class Runtime {
 public:
+    using Clock = RuntimeTask::Clock;
+
     static Runtime &Instance();
 
     Runtime(const Runtime &) = delete;
@@ -40,11 +47,17 @@ public:
     void Wait(RuntimeTask *task);
     void WaitForSubmittedTasks();
     static RuntimeTask *CurrentTask();
+    // The running task when it has a fiber to switch out of, else null.
+    static RuntimeTask *SuspendableTask();
+    // The children of the running task, or of the calling thread outside tasks.
+    static std::shared_ptr<WaitGroup> CurrentWaitGroup();
 
-    // The calling task gives its running slot back (false outside a task: nothing to give).
-    bool LeaveSlot();
-    // Blocks until the calling task holds a running slot again.
-    void TakeSlot();
+    // Switches the calling task (waiter's) out until Resume, or until the deadline claims the
+    // waiter; releases `guard` on the way. Returns false on time-out.
+    bool Suspend(Waiter &waiter, std::unique_lock<std::mutex> *guard, std::optional<Clock::time_point> deadline);
+    void Resume(RuntimeTask *task);
+    // Lets tasks waiting to resume go first. False outside a task that can switch out.
+    bool Yield();
 
     TaskQueue *CreateQueue(const std::string &name, ffrt_qos_t qos, int maxConcurrency);
     void DestroyQueue(TaskQueue *queue);
@@ -56,6 +69,7 @@ public:
     size_t PeakWorkerCount();
     size_t RunningCount();
     size_t PeakRunningCount();
+    size_t SuspendedCount();
     void ResetPeaks();
     size_t WorkerLimit() const { return workerLimit_; }
     size_t ThreadLimit() const { return threadLimit_; }
@@ -63,7 +77,6 @@ public:
     bool QueueSubmitBroken() const { return queueSubmitBroken_.load(); }
 
 private:
-    using Clock = RuntimeTask::Clock;
     using Lock = std::unique_lock<std::mutex>;
 
     struct DueOrder {
@@ -73,18 +86,18 @@ private:
         }
     };
 
-    // A woken task waiting for a running slot; its thread waits on `granted`.
-    struct Resumer {
-        std::condition_variable wake;
-        bool granted = false;
+    // A task waiting in WaitSettled, and what it waits for.
+    struct SettleWaiter {
+        RuntimeTask *task;
+        std::function<bool()> done;
     };
 
     // The workers of one QoS level.
     struct WorkerGroup {
         std::deque<RuntimeTask *> ready;
-        std::deque<Resumer *> resuming;
+        std::deque<RuntimeTask *> resuming; // started tasks ready to go on
         std::condition_variable workAvailable;
-        size_t threads = 0; // worker threads alive and not parked under a suspended task
+        size_t threads = 0; // worker threads alive
         size_t idle = 0;    // of those, the ones not running a task (including those still starting)
         size_t running = 0; // tasks holding a running slot
     };
@@ -96,14 +109,19 @@ private:
     void MakeDue(RuntimeTask *task, bool atHead);
     void Dispatch(TaskQueue &queue);
     void PushToPool(RuntimeTask *task);
-    void Grant(WorkerGroup &group);
-    bool NeedsRoomForResumer(const WorkerGroup &group) const;
     void Kick(WorkerGroup &group);
     bool SpawnWorker(size_t groupIndex);
     void CountThread(WorkerGroup &group, bool added);
     void EnsureTimer();
     void WorkerMain(size_t groupIndex);
-    void RunTask(Lock &lock, WorkerGroup &group, size_t groupIndex);
+    void RunNext(Lock &lock, WorkerGroup &group, size_t groupIndex);
+    void SwitchInto(RuntimeTask &task);
+    void AfterSwitch(RuntimeTask *task);
+    void WakeSettleWaiters();
+    static void TaskMain(void *arg);
+    void ResumeLocked(RuntimeTask *task);
+    void EndDueWaits();
+    Clock::time_point NextTimerDue() const;
     static void ReturnFreeMemory();
     void TimerMain();
     bool Withdraw(RuntimeTask *task);
@@ -111,8 +129,6 @@ private:
     void Settle(RuntimeTask *task, TaskState state);
     template <typename Pred>
     void WaitSettled(Lock &lock, Pred pred);
-    void LeaveSlotLocked(RuntimeTask &task);
-    void TakeSlotLocked(Lock &lock, RuntimeTask &task);
 
     const size_t workerLimit_;
     const size_t threadLimit_;
@@ -122,28 +138,19 @@ private:
     std::condition_variable settled_;
     std::vector<WorkerGroup> groups_;
     std::set<RuntimeTask *, DueOrder> timers_;
+    std::multimap<Clock::time_point, Waiter *> deadlines_; // timed waits of suspended tasks
+    std::vector<SettleWaiter> settleWaiters_;
     std::map<const TaskQueue *, std::unique_ptr<TaskQueue>> queues_;
     size_t threads_ = 0; // over all groups
     size_t peakThreads_ = 0;
     size_t peakRunning_ = 0; // in any one group
     size_t liveTasks_ = 0;   // submitted and not yet settled
+    size_t suspended_ = 0;   // switched out in a runtime wait
     uint64_t nextTaskId_ = 0;
     bool timerStarted_ = false;
     std::atomic<bool> queueSubmitBroken_ {false};
 };
 
-// Gives the running task's worker back for the lifetime of the scope, and takes a running slot
-// again before the scope ends. Outside a task it does nothing: the thread simply blocks.
-class TaskSuspension {
-public:
-    TaskSuspension();
-    ~TaskSuspension();
-    TaskSuspension(const TaskSuspension &) = delete;
-    TaskSuspension &operator=(const TaskSuspension &) = delete;
-
-private:
-    bool suspended_;
-};
 } // namespace HostFfrt
 
 #endif // HOST_FFRT_RUNTIME_H

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "c/type_def.h"
+#include "fiber.h"
 
 namespace HostFfrt {
 struct TaskQueue;
@@ -24,9 +25,23 @@ enum class TaskState {
     QUEUED,     // due, waiting in its queue for a free slot
     DISPATCHED, // due, waiting for a pool worker
     DROPPING,   // taken out of its queue by a cancel; its function is being destroyed
-    RUNNING,
+    RUNNING,    // started: on a worker, suspended in a runtime wait, or ready to resume
     FINISHED,
     CANCELLED,
+};
+
+// Why a task's fiber switched back to its worker.
+enum class SwitchReason {
+    PARK,  // waits until Runtime::Resume
+    YIELD, // ready again at once, behind the tasks already waiting to resume
+    EXIT,  // its function returned
+};
+
+// What the C++ runtime keeps per thread about exceptions being handled. A task suspended inside
+// a catch block takes it along to whichever thread resumes it.
+struct ExceptionState {
+    void *caught = nullptr;
+    unsigned int uncaught = 0;
 };
 
 // One submitted task; it doubles as the task handle. The runtime holds one reference until the
@@ -60,6 +75,16 @@ struct RuntimeTask {
     Clock::time_point due {};
     size_t slotGroup = 0; // the worker group whose running slot the task holds while it runs
     TaskState state = TaskState::DELAYED;
+    // Once started: the fiber it runs on (null when no stack could be had: it then runs on the
+    // worker's own stack and its runtime waits block the thread).
+    std::unique_ptr<Fiber> fiber;
+    SwitchReason reason = SwitchReason::EXIT;
+    bool parked = false;      // switched out in a wait, not yet resumed
+    bool wakePending = false; // resumed while still switching out
+    // The thread-local state the task's code sees, carried across threads while it is away.
+    int savedErrno = 0;
+    ExceptionState exceptions;
+    std::shared_ptr<WaitGroup> children; // what this task submitted, for ffrt_wait
 };
 } // namespace HostFfrt
 

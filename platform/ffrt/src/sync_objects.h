@@ -1,11 +1,11 @@
 #ifndef HOST_FFRT_SYNC_OBJECTS_H
 #define HOST_FFRT_SYNC_OBJECTS_H
 
-#include <atomic>
-#include <condition_variable>
 #include <cstring>
+#include <deque>
 #include <mutex>
-#include <thread>
+
+#include "waiter.h"
 
 namespace HostFfrt {
 // The storage of ffrt_mutex_t and ffrt_cond_t promises only 4-byte alignment, too little for the
@@ -25,19 +25,24 @@ void StoreObject(Storage *storage, Object *object)
     std::memcpy(storage->storage, &object, sizeof(object));
 }
 
-// A recursive mutex is owned by the thread that runs the locking task: on the host a task never
-// changes threads.
+// Waiters queue in arrival order and unlocking hands the mutex straight to the first of them, so
+// a task that is resumed late still gets it. The owner is the task, which may change threads
+// while it holds the mutex, or the thread outside tasks. `guard` is held only briefly: never
+// across a wait or a switch.
 struct MutexObject {
     explicit MutexObject(bool isRecursive) : recursive(isRecursive) {}
 
-    std::mutex mutex;
+    std::mutex guard;
     const bool recursive;
-    std::atomic<std::thread::id> owner {};
-    size_t depth = 0; // touched only by the owner
+    bool locked = false;
+    const void *owner = nullptr;
+    size_t depth = 0;
+    std::deque<Waiter *> waiters;
 };
 
 struct CondObject {
-    std::condition_variable cond;
+    std::mutex guard;
+    std::deque<Waiter *> waiters;
 };
 } // namespace HostFfrt
 

@@ -1,0 +1,134 @@
+#include "fiber.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define HOST_FFRT_ASAN 1
+#endif
+#if __has_feature(thread_sanitizer)
+#define HOST_FFRT_TSAN 1
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__) && !defined(HOST_FFRT_ASAN)
+#define HOST_FFRT_ASAN 1
+#endif
+#if defined(__SANITIZE_THREAD__) && !defined(HOST_FFRT_TSAN)
+#define HOST_FFRT_TSAN 1
+#endif
+
+#ifdef HOST_FFRT_ASAN
+#include <sanitizer/asan_interface.h>
+#include <sanitizer/common_interface_defs.h>
+#endif
+#ifdef HOST_FFRT_TSAN
+#include <sanitizer/tsan_interface.h>
+#endif
+
+namespace HostFfrt {
+namespace {
+constexpr unsigned int HALF_BITS = 32;
+} // namespace
+
+std::unique_ptr<Fiber> Fiber::Create(Entry entry, void *arg)
+{
+    std::unique_ptr<TaskStack> stack = StackPool::Instance().Acquire();
+    if (stack == nullptr) {
+        return nullptr;
+    }
+    return std::unique_ptr<Fiber>(new Fiber(std::move(stack), entry, arg));
+}
+
+Fiber::Fiber(std::unique_ptr<TaskStack> stack, Entry entry, void *arg)
+    : stack_(std::move(stack)), entry_(entry), arg_(arg)
+{
+#ifdef HOST_FFRT_ASAN
+    // A reused stack still carries the poisoned frames of the task that ended on it.
+    ASAN_UNPOISON_MEMORY_REGION(stack_->Base(), stack_->Size());
+#endif
+    getcontext(&context_);
+    context_.uc_stack.ss_sp = stack_->Base();
+    context_.uc_stack.ss_size = stack_->Size();
+    context_.uc_link = nullptr;
+    // makecontext passes only ints; the fiber's address travels in two halves.
+    const auto self = reinterpret_cast<uintptr_t>(this);
+    makecontext(&context_, reinterpret_cast<void (*)()>(&Fiber::Start), 2,
+        static_cast<unsigned int>(static_cast<uint64_t>(self) >> HALF_BITS), static_cast<unsigned int>(self));
+#ifdef HOST_FFRT_TSAN
+    tsanFiber_ = __tsan_create_fiber(0);
+#endif
+}
+
+Fiber::~Fiber()
+{
+#ifdef HOST_FFRT_TSAN
+    __tsan_destroy_fiber(tsanFiber_);
+#endif
+    StackPool::Instance().Release(std::move(stack_));
+}
+
+void Fiber::Start(unsigned int high, unsigned int low)
+{
+    auto *fiber = reinterpret_cast<Fiber *>((static_cast<uintptr_t>(high) << HALF_BITS) | low);
+    fiber->EnterFromScheduler();
+    fiber->entry_(fiber->arg_);
+    fiber->Exit();
+}
+
+// Completes a switch onto this fiber: learns which scheduler stack it came from.
+void Fiber::EnterFromScheduler()
+{
+#ifdef HOST_FFRT_ASAN
+    __sanitizer_finish_switch_fiber(asanFakeStack_, &schedulerStackBottom_, &schedulerStackSize_);
+#endif
+}
+
+void Fiber::Resume()
+{
+    ucontext_t scheduler;
+    scheduler_ = &scheduler;
+#ifdef HOST_FFRT_ASAN
+    void *fakeStack = nullptr;
+    __sanitizer_start_switch_fiber(&fakeStack, stack_->Base(), stack_->Size());
+#endif
+#ifdef HOST_FFRT_TSAN
+    tsanScheduler_ = __tsan_get_current_fiber();
+    __tsan_switch_to_fiber(tsanFiber_, 0);
+#endif
+    if (swapcontext(&scheduler, &context_) != 0) {
+        std::abort();
+    }
+#ifdef HOST_FFRT_ASAN
+    __sanitizer_finish_switch_fiber(fakeStack, nullptr, nullptr);
+#endif
+}
+
+void Fiber::Suspend()
+{
+    SwitchToScheduler(false);
+    EnterFromScheduler();
+}
+
+void Fiber::Exit()
+{
+    SwitchToScheduler(true);
+    std::abort();
+}
+
+void Fiber::SwitchToScheduler(bool exiting)
+{
+#ifdef HOST_FFRT_ASAN
+    // A null fake-stack slot tells AddressSanitizer that this stack's frames are gone for good.
+    __sanitizer_start_switch_fiber(exiting ? nullptr : &asanFakeStack_, schedulerStackBottom_, schedulerStackSize_);
+#else
+    (void)exiting;
+#endif
+#ifdef HOST_FFRT_TSAN
+    __tsan_switch_to_fiber(tsanScheduler_, 0);
+#endif
+    if (swapcontext(&context_, scheduler_) != 0) {
+        std::abort();
+    }
+}
+} // namespace HostFfrt

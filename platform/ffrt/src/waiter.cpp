@@ -1,0 +1,70 @@
+#include "waiter.h"
+
+#include "runtime.h"
+
+namespace HostFfrt {
+namespace {
+// Only its address matters: it tells the threads apart that wait outside tasks.
+thread_local char g_threadIdentity;
+
+__attribute__((noinline)) const void *ThreadIdentity()
+{
+    return &g_threadIdentity;
+}
+} // namespace
+
+Waiter::Waiter() : task_(Runtime::SuspendableTask()), identity_(CurrentIdentity())
+{
+}
+
+const void *Waiter::CurrentIdentity()
+{
+    const RuntimeTask *task = Runtime::CurrentTask();
+    return task != nullptr ? static_cast<const void *>(task) : ThreadIdentity();
+}
+
+bool Waiter::Park(std::unique_lock<std::mutex> *guard, std::optional<Clock::time_point> deadline)
+{
+    if (task_ == nullptr) {
+        return ParkThread(guard, deadline);
+    }
+    return Runtime::Instance().Suspend(*this, guard, deadline);
+}
+
+bool Waiter::ParkThread(std::unique_lock<std::mutex> *guard, std::optional<Clock::time_point> deadline)
+{
+    std::unique_lock<std::mutex> lock(mutex_);
+    if (guard != nullptr) {
+        guard->unlock();
+    }
+    auto delivered = [this] { return wakeDelivered_; };
+    if (!deadline.has_value()) {
+        woken_.wait(lock, delivered);
+        return true;
+    }
+    if (woken_.wait_until(lock, *deadline, delivered)) {
+        return true;
+    }
+    if (Claim()) {
+        return false;
+    }
+    // A waker claimed us just in time and is about to deliver; it still touches this object.
+    woken_.wait(lock, delivered);
+    return true;
+}
+
+bool Waiter::Wake()
+{
+    if (!Claim()) {
+        return false;
+    }
+    if (task_ != nullptr) {
+        Runtime::Instance().Resume(task_);
+        return true;
+    }
+    std::lock_guard<std::mutex> lock(mutex_);
+    wakeDelivered_ = true;
+    woken_.notify_one();
+    return true;
+}
+} // namespace HostFfrt
