@@ -129,12 +129,14 @@ TEST(VornRequestCallbackProxyTest, TheLargestResponseArrivesWholeAndALargerOneIs
     HostPlatform::LogCapture capture;
 
     callback->OnResponse(std::string(LARGEST, 'r'));
+    ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(recorder, std::chrono::seconds(10)));
     ASSERT_EQ(recorder->transactions.size(), 1U);
     EXPECT_EQ(recorder->transactions[0].response, std::string(LARGEST, 'r'));
     EXPECT_EQ(capture.CountContaining("failed"), 0U);
 
     // One byte more needs one more padded word, and the parcel has none left.
     callback->OnResponse(std::string(LARGEST + 1, 'r'));
+    ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(recorder, std::chrono::seconds(10)));
     EXPECT_EQ(recorder->transactions.size(), 1U);
     const auto records = capture.Records();
     ASSERT_FALSE(records.empty());
