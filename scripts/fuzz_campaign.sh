@@ -15,20 +15,15 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root="$PWD"
+source scripts/lib.sh
 
 runs="${1:-1000000}"
 shift || true
 build_dir="$(realpath -m "${VORN_FUZZ_BUILD_DIR:-build-fuzz}")"
-launcher=()
-command -v ccache >/dev/null && launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
-
-cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-    -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ "${launcher[@]}" \
-    -DVORN_BUILD_FUZZ=ON -DVORN_BUILD_TESTS=OFF -DVORN_BUILD_BENCH=OFF >/dev/null
-nice -n 19 cmake --build "$build_dir" -j2 --target vorn_fuzzers >/dev/null
+vorn_build_fuzzers "$build_dir"
 
 # Nothing a fuzzer does may leave 127.0.0.1.
-unset http_proxy https_proxy HTTP_PROXY HTTPS_PROXY all_proxy ALL_PROXY no_proxy NO_PROXY
+vorn_unset_proxies
 
 targets=("$@")
 if [ "${#targets[@]}" -eq 0 ]; then

@@ -34,3 +34,16 @@ vorn_logged()
         return 1
     fi
 }
+
+# Configures BUILD_DIR for the libFuzzer targets (clang, ASan+UBSan) and builds them; the build's
+# output goes to BUILD_DIR/logs, and its tail to standard error on failure.
+#   vorn_build_fuzzers BUILD_DIR
+vorn_build_fuzzers()
+{
+    local dir="$1"
+    # shellcheck disable=SC2046
+    vorn_logged "$dir/logs/configure.log" cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+        -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ $(vorn_launcher_args) \
+        -DVORN_BUILD_FUZZ=ON -DVORN_BUILD_TESTS=OFF -DVORN_BUILD_BENCH=OFF
+    vorn_logged "$dir/logs/build.log" nice -n 19 cmake --build "$dir" -j"$(vorn_jobs)" --target vorn_fuzzers
+}
