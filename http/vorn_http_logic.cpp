@@ -72,7 +72,7 @@ std::mutex HttpLogic::globalInitMutex_;
 bool HttpLogic::globalInited_ = false;
 
 HttpLogic::HttpLogic(VornInitConfigParser::VornRequestInfo info, std::string url)
-    : requestInfo_(std::move(info)), hostName_(std::move(url))
+    : requestInfo_(std::move(info)), url_(std::move(url))
 {
 }
 
@@ -102,8 +102,8 @@ int HttpLogic::InitHttpLogic()
         }
     }
     if (requestInfo_.saType != GNS_SA_TYPE) {
-        hostName_ += "?" + requestInfo_.queryHeaders;
-        VORN_LOGI("HttpLogic request mHostName:%{private}s", hostName_.c_str());
+        url_ += "?" + requestInfo_.queryHeaders;
+        VORN_LOGI("HttpLogic request mHostName:%{private}s", url_.c_str());
     }
     nlohmann::json body;
     body["services"] = requestInfo_.requestBody;
@@ -129,7 +129,7 @@ long HttpLogic::PostHttpsRequest()
         return -1;
     }
     if (!SetRequiredOption(CURLOPT_HTTPHEADER, headerList_.get(), "CURLOPT_HTTPHEADER Failed code = %{public}d") ||
-        !SetRequiredOption(CURLOPT_URL, hostName_.c_str(), "CURLOPT_URL Failed code = %{public}d") ||
+        !SetRequiredOption(CURLOPT_URL, url_.c_str(), "CURLOPT_URL Failed code = %{public}d") ||
         !SetRequiredOption(CURLOPT_POSTFIELDS, postBody_.c_str(), "CURLOPT_POSTFIELDS Failed code = %{public}d")) {
         return -1;
     }
@@ -178,7 +178,8 @@ bool HttpLogic::SetTransferOptions()
     if (!RestrictToHttps(SettersFor(curl))) {
         return false;
     }
-    SetCurlHttpProxy();
+    proxy_ = ChooseProxy();
+    ApplyProxy(proxy_);
     (void)curl_easy_setopt(curl, CURLOPT_SSL_VERIFYPEER, 1L);
     (void)curl_easy_setopt(curl, CURLOPT_SSL_VERIFYHOST, VERIFY_HOST_NAME);
     SetCaOptions();
@@ -215,13 +216,13 @@ bool HttpLogic::RestrictToHttps(const ProtocolSetters &set)
 }
 
 // Verifies against the cached store of "caFile" where possible; otherwise libcurl reads the
-// file itself as it always did, and reports a missing or broken one the same way. Not through
+// file itself, and reports a missing or broken one the same way. Not through
 // a TLS proxy: libcurl runs the SSL context callback for the proxy's handshake as well, and
 // the proxy's certificate must still be checked against libcurl's own CA settings.
 void HttpLogic::SetCaOptions()
 {
     CURL *curl = curl_.get();
-    if (caStore_ == nullptr && CaStoreCache::IsEnabled() && !httpsProxy_ && !EnvironmentNamesHttpsProxy()) {
+    if (caStore_ == nullptr && CaStoreCache::IsEnabled() && proxy_.type != CURLPROXY_HTTPS && !EnvironmentNamesHttpsProxy()) {
         caStore_ = CaStoreCache::GetInstance().Acquire(requestInfo_.caFile);
     }
     if (caStore_ != nullptr && caStore_->ApplyTo(curl)) {
@@ -242,7 +243,10 @@ std::string HttpLogic::TrustContext() const
     } else {
         context.append("file=").append(CaStoreCache::VersionOf(requestInfo_.caFile).value_or(requestInfo_.caFile));
     }
-    context.append("\nproxy=").append(proxyContext_);
+    if (!proxy_.host.empty()) {
+        context.append("\nproxy=").append(proxy_.host).append(":").append(std::to_string(proxy_.port));
+        context.append(";").append(proxy_.exclusions).append(";").append(std::to_string(proxy_.type));
+    }
     context.append("\nenv=").append(ProxyEnvironment());
     context.append("\ninterface=").append(requestInfo_.interfaceName.empty() ? "-" : "+" + requestInfo_.interfaceName);
     context.append("\ntls=").append(std::to_string(CURL_SSLVERSION_TLSv1_2)).append(";").append(CIPHER_LIST);
@@ -416,25 +420,31 @@ void HttpLogic::GetHttpProxyInfo(std::string &host, int &port, std::string &excl
 
 void HttpLogic::SetCurlHttpProxy() const
 {
-    std::string host;
-    int port = 0;
-    std::string exclusions;
-    GetHttpProxyInfo(host, port, exclusions);
-    if (host.empty()) {
+    ApplyProxy(ChooseProxy());
+}
+
+HttpLogic::ProxyChoice HttpLogic::ChooseProxy()
+{
+    ProxyChoice proxy;
+    GetHttpProxyInfo(proxy.host, proxy.port, proxy.exclusions);
+    proxy.type = proxy.host.find(HTTPS_SCHEME) != std::string::npos ? CURLPROXY_HTTPS : CURLPROXY_HTTP;
+    return proxy;
+}
+
+void HttpLogic::ApplyProxy(const ProxyChoice &proxy) const
+{
+    if (proxy.host.empty()) {
         return;
     }
     VORN_LOGI("Set default proxy");
-    proxyContext_ = host + ":" + std::to_string(port) + ";" + exclusions;
     CURL *curl = curl_.get();
-    (void)curl_easy_setopt(curl, CURLOPT_PROXY, host.c_str());
-    (void)curl_easy_setopt(curl, CURLOPT_PROXYPORT, static_cast<long>(port));
-    if (!exclusions.empty()) {
-        (void)curl_easy_setopt(curl, CURLOPT_NOPROXY, exclusions.c_str());
+    (void)curl_easy_setopt(curl, CURLOPT_PROXY, proxy.host.c_str());
+    (void)curl_easy_setopt(curl, CURLOPT_PROXYPORT, static_cast<long>(proxy.port));
+    if (!proxy.exclusions.empty()) {
+        (void)curl_easy_setopt(curl, CURLOPT_NOPROXY, proxy.exclusions.c_str());
     }
     (void)curl_easy_setopt(curl, CURLOPT_HTTPPROXYTUNNEL, 1L);
-    const long proxyType = host.find(HTTPS_SCHEME) != std::string::npos ? CURLPROXY_HTTPS : CURLPROXY_HTTP;
-    (void)curl_easy_setopt(curl, CURLOPT_PROXYTYPE, proxyType);
-    httpsProxy_ = proxyType == CURLPROXY_HTTPS;
+    (void)curl_easy_setopt(curl, CURLOPT_PROXYTYPE, proxy.type);
 }
 } // namespace Vorn
 } // namespace OHOS

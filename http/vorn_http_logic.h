@@ -73,6 +73,14 @@ public:
     void SetCurlHttpProxy() const;
 
 private:
+    // The device's default proxy as a transfer applies it; an empty host means none.
+    struct ProxyChoice {
+        std::string host;
+        int port = 0;
+        std::string exclusions;
+        long type = CURLPROXY_HTTP;
+    };
+
     struct CurlDeleter {
         void operator()(CURL *curl) const
         {
@@ -87,6 +95,8 @@ private:
     };
 
     bool SetRequiredOption(CURLoption option, const void *value, const char *failureLog) const;
+    static ProxyChoice ChooseProxy();
+    void ApplyProxy(const ProxyChoice &proxy) const;
     bool SetTransferOptions();
     bool PassesRawHeads() const;
     void SetCaOptions();
@@ -96,7 +106,8 @@ private:
     void CountConnections() const;
 
     VornInitConfigParser::VornRequestInfo requestInfo_;
-    std::string hostName_;
+    // The attempt's base URL, extended with the query text by InitHttpLogic.
+    std::string url_;
     std::string postBody_;
     std::string responseHeads_;
     std::string responseBody_;
@@ -104,9 +115,8 @@ private:
     // Set when the transfer verifies with a cached store; declared before the handle, which
     // uses the store's session cache until it is freed.
     std::shared_ptr<const CachedCaStore> caStore_;
-    // Whether SetCurlHttpProxy chose a proxy reached over TLS, and the proxy it chose.
-    mutable bool httpsProxy_ = false;
-    mutable std::string proxyContext_;
+    // The proxy this transfer goes through, part of its trust context.
+    ProxyChoice proxy_;
     // The header list is declared after the handle so it is freed first, as the handle may
     // still point at it.
     std::unique_ptr<CURL, CurlDeleter> curl_;
