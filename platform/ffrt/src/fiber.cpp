@@ -56,14 +56,14 @@ Fiber::Fiber(std::unique_ptr<TaskStack> stack, Entry entry, void *arg)
     makecontext(&context_, reinterpret_cast<void (*)()>(&Fiber::Start), 2,
         static_cast<unsigned int>(static_cast<uint64_t>(self) >> HALF_BITS), static_cast<unsigned int>(self));
 #ifdef HOST_FFRT_TSAN
-    tsanFiber_ = __tsan_create_fiber(0);
+    sanitizer_.tsanFiber = __tsan_create_fiber(0);
 #endif
 }
 
 Fiber::~Fiber()
 {
 #ifdef HOST_FFRT_TSAN
-    __tsan_destroy_fiber(tsanFiber_);
+    __tsan_destroy_fiber(sanitizer_.tsanFiber);
 #endif
     StackPool::Instance().Release(std::move(stack_));
 }
@@ -80,7 +80,8 @@ void Fiber::Start(unsigned int high, unsigned int low)
 void Fiber::EnterFromScheduler()
 {
 #ifdef HOST_FFRT_ASAN
-    __sanitizer_finish_switch_fiber(asanFakeStack_, &schedulerStackBottom_, &schedulerStackSize_);
+    __sanitizer_finish_switch_fiber(sanitizer_.asanFakeStack, &sanitizer_.schedulerStackBottom,
+        &sanitizer_.schedulerStackSize);
 #endif
 }
 
@@ -93,8 +94,8 @@ void Fiber::Resume()
     __sanitizer_start_switch_fiber(&fakeStack, stack_->Base(), stack_->Size());
 #endif
 #ifdef HOST_FFRT_TSAN
-    tsanScheduler_ = __tsan_get_current_fiber();
-    __tsan_switch_to_fiber(tsanFiber_, 0);
+    sanitizer_.tsanScheduler = __tsan_get_current_fiber();
+    __tsan_switch_to_fiber(sanitizer_.tsanFiber, 0);
 #endif
     if (swapcontext(&scheduler, &context_) != 0) {
         std::abort();
@@ -120,12 +121,13 @@ void Fiber::SwitchToScheduler(bool exiting)
 {
 #ifdef HOST_FFRT_ASAN
     // A null fake-stack slot tells AddressSanitizer that this stack's frames are gone for good.
-    __sanitizer_start_switch_fiber(exiting ? nullptr : &asanFakeStack_, schedulerStackBottom_, schedulerStackSize_);
+    __sanitizer_start_switch_fiber(exiting ? nullptr : &sanitizer_.asanFakeStack, sanitizer_.schedulerStackBottom,
+        sanitizer_.schedulerStackSize);
 #else
     (void)exiting;
 #endif
 #ifdef HOST_FFRT_TSAN
-    __tsan_switch_to_fiber(tsanScheduler_, 0);
+    __tsan_switch_to_fiber(sanitizer_.tsanScheduler, 0);
 #endif
     if (swapcontext(&context_, scheduler_) != 0) {
         std::abort();

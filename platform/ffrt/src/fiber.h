@@ -41,12 +41,16 @@ private:
     void *arg_;
     ucontext_t context_ {};
     ucontext_t *scheduler_ = nullptr; // the context of the scheduler that resumed the fiber last
-    // Sanitizer bookkeeping; unused in plain builds.
-    void *tsanFiber_ = nullptr;
-    void *tsanScheduler_ = nullptr;
-    void *asanFakeStack_ = nullptr;
-    const void *schedulerStackBottom_ = nullptr;
-    size_t schedulerStackSize_ = 0;
+    // What the sanitizers need told about each switch; unused in plain builds, hence a plain
+    // struct rather than private members a compiler would flag there.
+    struct SanitizerState {
+        void *tsanFiber = nullptr;
+        void *tsanScheduler = nullptr;
+        void *asanFakeStack = nullptr;
+        const void *schedulerStackBottom = nullptr;
+        size_t schedulerStackSize = 0;
+    };
+    SanitizerState sanitizer_;
 };
 } // namespace HostFfrt
 
