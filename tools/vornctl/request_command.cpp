@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 
 #include <nlohmann/json.hpp>
 
@@ -53,25 +54,50 @@ void AwaitResponses(const ResponseCollector &collector, bool collectAll, std::ch
 }
 } // namespace
 
-CommandOutcome RunRequest(const ServiceSession &session, const CommandLine &line, const std::string &paramStr)
+CommandOutcome RunRequest(const ServiceSession &session, const CommandLine &line, const std::string &paramStr,
+    const std::string &prefix)
 {
-    // The printer outlives this function: late attempts may still call back while
-    // the process ends, and it must then drop their responses quietly.
-    static ResponsePrinter printer(stdout);
+    // The printer outlives this function: late attempts may still call back while the tool goes
+    // on to the next request or ends, and it must then drop their responses quietly.
+    auto printer = std::make_shared<ResponsePrinter>(stdout, prefix);
     std::shared_ptr<ResponseCollector> collector =
-        ResponseCollector::Create([](const std::string &response) { printer.Print(response); });
+        ResponseCollector::Create([printer](const std::string &response) { printer->Print(response); });
 
     CallSettings settings = CallSettingsFor(line);
     CommandOutcome outcome;
     OHOS::sptr<OHOS::IRemoteObject> callback = line.noCallback ? nullptr : collector->Callback();
     outcome.call = session.Request(settings.caller, paramStr, callback, settings.descriptor, settings.code);
     if (outcome.call.result != 0) {
-        printer.Close();
+        printer->Close();
         outcome.exitStatus = EXIT_CALL_FAILED;
         return outcome;
     }
     AwaitResponses(*collector, line.collectAll, line.wait);
-    outcome.exitStatus = ExitStatusFor(printer.Close());
+    outcome.exitStatus = ExitStatusFor(printer->Close());
     return outcome;
+}
+
+std::vector<CommandOutcome> RunRequests(const ServiceSession &session, const CommandLine &line,
+    const std::vector<std::string> &paramStrs)
+{
+    std::vector<CommandOutcome> outcomes;
+    for (size_t i = 0; i < paramStrs.size(); ++i) {
+        outcomes.push_back(RunRequest(session, line, paramStrs[i], LinePrefix(i, paramStrs.size())));
+    }
+    return outcomes;
+}
+
+int CombinedExitStatus(const std::vector<CommandOutcome> &outcomes)
+{
+    int status = EXIT_SUCCESS_RESPONSE;
+    for (const CommandOutcome &outcome : outcomes) {
+        status = std::max(status, outcome.exitStatus);
+    }
+    return status;
+}
+
+std::string LinePrefix(size_t index, size_t count)
+{
+    return count > 1 ? std::to_string(index + 1) + "\t" : std::string();
 }
 } // namespace Vornctl
