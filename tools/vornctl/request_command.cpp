@@ -8,6 +8,7 @@
 
 #include "exit_status.h"
 #include "ffrt_host.h"
+#include "ipc_host.h"
 #include "response_printer.h"
 #include "response_collector.h"
 
@@ -35,21 +36,33 @@ int ExitStatusFor(const std::vector<std::string> &responses)
                                                                        : EXIT_FAILURE_RESPONSES;
 }
 
+std::chrono::milliseconds Left(std::chrono::steady_clock::time_point deadline)
+{
+    auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    return std::max(left, std::chrono::milliseconds(0));
+}
+
 // Responses are sent from inside the service's pool tasks, so once the task runtime is idle no
-// further response can come: both modes stop there rather than sit out the whole wait.
+// further response can be sent: both modes stop there rather than sit out the whole wait. A
+// response is a one-way call, though, and may still be on its way when the task that sent it is
+// done; it is awaited too, or the tool would report no response while one is arriving.
 void AwaitResponses(const ResponseCollector &collector, bool collectAll, std::chrono::milliseconds wait)
 {
+    auto deadline = std::chrono::steady_clock::now() + wait;
     if (collectAll) {
         HostPlatform::FfrtWaitIdle(wait);
+        HostPlatform::WaitOneWayDelivered(collector.Callback(), Left(deadline));
         return;
     }
-    auto deadline = std::chrono::steady_clock::now() + wait;
     while (collector.Count() == 0 && !HostPlatform::FfrtIsIdle()) {
-        auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+        std::chrono::milliseconds left = Left(deadline);
         if (left.count() <= 0) {
             return;
         }
         collector.WaitForCount(1, std::min(left, POLL_INTERVAL));
+    }
+    if (collector.Count() == 0) {
+        HostPlatform::WaitOneWayDelivered(collector.Callback(), Left(deadline));
     }
 }
 } // namespace
