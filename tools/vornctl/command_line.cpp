@@ -194,8 +194,12 @@ std::string ParseDump(const std::vector<std::string> &args, CommandLine &line)
     size_t index = 1;
     for (; index < args.size(); ++index) {
         const std::string &arg = args[index];
-        std::optional<std::string> *target = arg == "--root" ? &line.root : arg == "--library" ? &line.library : nullptr;
-        if (target == nullptr) {
+        std::optional<std::string> *target = nullptr;
+        if (arg == "--root") {
+            target = &line.root;
+        } else if (arg == "--library") {
+            target = &line.library;
+        } else {
             break;
         }
         if (index + 1 >= args.size()) {
