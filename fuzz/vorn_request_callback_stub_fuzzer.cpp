@@ -16,7 +16,7 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include "errors.h"
+#include "ipc_types.h"
 #include "fuzz_environment.h"
 #include "message_option.h"
 #include "message_parcel.h"
