@@ -133,7 +133,11 @@ TEST_F(VornctlTest, UsageErrorsExitSixtyFourWithOneLine)
         {},
         {"ping"},
         {"request"},
-        {"request", "{}", "{}"},
+        {"event", "{}", "{}"},
+        {"request", "-", "-"},
+        {"request", "--dump=yes", "{}"},
+        {"event", "--dump", "{}"},
+        {"dump", "--root"},
         {"request", "--bogus", "{}"},
         {"request", "--caller", "root", "{}"},
         {"request", "--uid", "-1", "{}"},
@@ -154,6 +158,74 @@ TEST_F(VornctlTest, UsageErrorsExitSixtyFourWithOneLine)
         ASSERT_EQ(lines.size(), 1U) << shown << "\n" << run.err;
         EXPECT_EQ(lines[0].rfind("vornctl: ", 0), 0U) << lines[0];
     }
+}
+
+TEST_F(VornctlTest, SeveralRequestsAreNumberedInArrivalOrderAndExitWithTheWorst)
+{
+    server_->Respond("/ok", VornTestbed::HttpResponse::Text(200, "hello"));
+    server_->Respond("/missing", VornTestbed::HttpResponse::Text(404, "no"));
+    const std::string ok = RequestFor({Url("/ok")});
+    const std::string missing = RequestFor({Url("/missing")});
+
+    ProcessResult allOk = Vornctl({"request", ok, ok});
+    EXPECT_EQ(allOk.exitCode, 0) << allOk.err;
+    Lines out = SplitLines(allOk.out);
+    ASSERT_EQ(out.size(), 2U) << allOk.out;
+    for (size_t i = 0; i < out.size(); ++i) {
+        std::string prefix = std::to_string(i + 1) + "\t";
+        ASSERT_EQ(out[i].rfind(prefix, 0), 0U) << out[i];
+        EXPECT_EQ(nlohmann::json::parse(out[i].substr(prefix.size()))["code"], 200);
+    }
+    Lines err = SplitLines(allOk.err);
+    ASSERT_GE(err.size(), 4U);
+    EXPECT_EQ(Lines(err.end() - 4, err.end()), (Lines {"1\treply: 0", "1\tresult: 0", "2\treply: 0", "2\tresult: 0"}));
+    // Each request waited for its answer before the next was sent.
+    EXPECT_EQ(server_->RequestCount("/ok"), 2U);
+
+    // Any request without a 200 decides the status, wherever it stands; the worst one wins.
+    struct Case {
+        std::vector<std::string> requests;
+        int exitCode;
+    };
+    const std::vector<Case> cases {
+        {{missing, ok}, 1},
+        {{ok, missing}, 1},
+        {{missing, R"({"saType":"gns"})", ok}, 2},
+    };
+    for (const Case &testCase : cases) {
+        std::vector<std::string> args {"request", "--wait-ms", "5000"};
+        args.insert(args.end(), testCase.requests.begin(), testCase.requests.end());
+        ProcessResult run = Vornctl(args);
+        EXPECT_EQ(run.exitCode, testCase.exitCode) << run.out << run.err;
+    }
+    ProcessResult refused = Vornctl({"request", "--caller", "app", ok, ok});
+    EXPECT_EQ(refused.exitCode, 3);
+    EXPECT_EQ(refused.out, "");
+}
+
+TEST_F(VornctlTest, DumpComesFromTheServiceAndFollowsTheResponses)
+{
+    ProcessResult fresh = Vornctl({"dump"});
+    EXPECT_EQ(fresh.exitCode, 0) << fresh.err;
+    EXPECT_NE(fresh.out.find("state: running\nrequests_in_flight: 0\n"), std::string::npos) << fresh.out;
+    EXPECT_NE(fresh.out.find("\nrequests: 0\n"), std::string::npos) << fresh.out;
+    EXPECT_EQ(Lines {SplitLines(fresh.err).back()}, (Lines {"result: 0"}));
+
+    ProcessResult help = Vornctl({"dump", "-h"});
+    EXPECT_EQ(help.exitCode, 0) << help.err;
+    EXPECT_NE(help.out.find("-h           this list"), std::string::npos) << help.out;
+
+    server_->Respond("/ok", VornTestbed::HttpResponse::Text(200, "hello"));
+    ProcessResult run = Vornctl({"request", "--dump", RequestFor({Url("/ok")})});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    Lines out = SplitLines(run.out);
+    ASSERT_GT(out.size(), 2U) << run.out;
+    EXPECT_EQ(nlohmann::json::parse(out[0])["code"], 200);
+    EXPECT_EQ(out[1], "vorn service, system ability 66054");
+    EXPECT_NE(run.out.find("\nrequests: 1\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("\nresponses_2xx: 1\n"), std::string::npos) << run.out;
+    EXPECT_EQ(run.out.find(server_->BaseUrl()), std::string::npos);
+    EXPECT_EQ(Outcome(run), (Lines {"reply: 0", "result: 0"}));
 }
 
 TEST_F(VornctlTest, MissingServiceLibraryIsReported)

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -47,16 +48,16 @@ public:
 
     std::string Parse()
     {
-        std::optional<std::string> payload;
+        std::vector<std::string> payloads;
         std::optional<uint32_t> code;
         std::optional<std::chrono::milliseconds> wait;
         for (index_ = 1; index_ < args_.size() && error_.empty(); ++index_) {
             const std::string &arg = args_[index_];
             if (arg.size() < 3 || arg.compare(0, 2, "--") != 0) {
-                if (payload) {
+                if (!payloads.empty() && line_.command != Command::REQUEST) {
                     return "unexpected argument '" + arg + "': give one " + PayloadName();
                 }
-                payload = arg;
+                payloads.push_back(arg);
                 continue;
             }
             ParseOption(arg, code, wait);
@@ -64,11 +65,14 @@ public:
         if (!error_.empty()) {
             return error_;
         }
-        if (!payload) {
+        if (payloads.empty()) {
             return "missing " + PayloadName() + " (JSON text, @FILE or -)";
         }
+        if (std::count(payloads.begin(), payloads.end(), "-") > 1) {
+            return "standard input (-) can be read for one " + PayloadName() + " only";
+        }
         bool request = line_.command == Command::REQUEST;
-        line_.payload = *payload;
+        line_.payloads = payloads;
         line_.code = code.value_or(request ? REQUEST_CODE : EVENT_CODE);
         line_.wait = wait.value_or(request ? REQUEST_WAIT : EVENT_WAIT);
         return {};
@@ -123,7 +127,7 @@ private:
         if (equals != std::string::npos) {
             inlineValue = arg.substr(equals + 1);
         }
-        bool isFlag = name == "--no-callback" || name == "--all";
+        bool isFlag = name == "--no-callback" || name == "--all" || name == "--dump";
         if (isFlag && inlineValue) {
             error_ = name + " takes no value";
             return;
@@ -154,6 +158,9 @@ private:
         } else if (name == "--all") {
             RequestOnly(name);
             line_.collectAll = true;
+        } else if (name == "--dump") {
+            RequestOnly(name);
+            line_.dumpAfter = true;
         } else {
             error_ = "unknown option " + name;
         }
@@ -178,13 +185,38 @@ private:
     size_t index_ = 0;
     std::string error_;
 };
+
+// `dump [--root DIR] [--library PATH] [ARG...]`: the options come first; the first argument that
+// is neither, and everything after it, goes to the service's dump as it is (so "-h" is the
+// service's option, not the tool's).
+std::string ParseDump(const std::vector<std::string> &args, CommandLine &line)
+{
+    size_t index = 1;
+    for (; index < args.size(); ++index) {
+        const std::string &arg = args[index];
+        std::optional<std::string> *target = nullptr;
+        if (arg == "--root") {
+            target = &line.root;
+        } else if (arg == "--library") {
+            target = &line.library;
+        } else {
+            break;
+        }
+        if (index + 1 >= args.size()) {
+            return arg + " needs a value";
+        }
+        *target = args[++index];
+    }
+    line.dumpArgs.assign(args.begin() + static_cast<std::ptrdiff_t>(index), args.end());
+    return {};
+}
 } // namespace
 
 ParsedCommandLine ParseCommandLine(const std::vector<std::string> &args)
 {
     ParsedCommandLine parsed;
     if (args.empty()) {
-        parsed.error = "missing command: request, event or demo";
+        parsed.error = "missing command: request, event, dump or demo";
         return parsed;
     }
     CommandLine line;
@@ -209,8 +241,16 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string> &args)
         parsed.commandLine = line;
         return parsed;
     }
+    if (command == "dump") {
+        line.command = Command::DUMP;
+        parsed.error = ParseDump(args, line);
+        if (parsed.error.empty()) {
+            parsed.commandLine = line;
+        }
+        return parsed;
+    }
     if (command != "request" && command != "event") {
-        parsed.error = "unknown command '" + command + "': use request, event or demo";
+        parsed.error = "unknown command '" + command + "': use request, event, dump or demo";
         return parsed;
     }
     line.command = command == "request" ? Command::REQUEST : Command::EVENT;
@@ -224,8 +264,12 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string> &args)
 const char *UsageText()
 {
     return R"(usage:
-  vornctl request [options] REQUEST   REQUEST: JSON text, @FILE, or - (standard input)
+  vornctl request [options] REQUEST...  REQUEST: JSON text, @FILE, or - (standard input);
+                                        several are sent one after another to the same service
   vornctl event   [options] EVENT     EVENT: {"eventId":..,"content":..} text, @FILE or -
+  vornctl dump [--root DIR] [--library PATH] [ARG...]
+                                      the service's dump, as the platform's dump tool asks for
+                                      it; ARGs go to the service (-h lists its options)
   vornctl demo [--rtt-ms N]           N: round-trip time in ms a relay adds in front of the
                                       demo's server; the demo then sends a second request
 
@@ -239,14 +283,21 @@ options of request and event:
   --no-callback      request: write a null remote object instead of the callback
   --all              request: keep collecting responses until the task runtime is idle or
                      --wait-ms has passed; without it the tool finishes at the first response
-  --wait-ms N        how long to wait after the call returned (request 20000, event 1000)
+  --dump             request: after the last request, print the service's dump to standard
+                     output, after the response lines
+  --wait-ms N        how long to wait after the call returned (request 20000, event 1000);
+                     with several requests, for each of them
   --library PATH     the service library (default: the one built beside the tool)
 
-standard output: one line per response, as the callback received it, in arrival order.
-standard error: the service's log, then "reply: N" (or "reply: none") and "result: N".
+standard output: one line per response, as the callback received it, in arrival order. With
+several requests each line starts with the request's number (1 for the first) and a tab, and
+the tool waits for each request as for a single one before it sends the next.
+standard error: the service's log, then "reply: N" (or "reply: none") and "result: N", for
+several requests once per request in order, each led by its number and a tab; dump: "result: N".
 exit status: request 0 a response with code 200, 1 responses but none with 200, 2 no response;
-3 the transaction result was not 0; event 0 result 0, else 3; 64 usage error;
-69 the service library could not be loaded or started.
+3 the transaction result was not 0; several requests: 0 if each exited 0, else the highest of
+their statuses; event 0 result 0, else 3; dump 0 the dump was written, else 3 (request --dump
+too); 64 usage error; 69 the service library could not be loaded or started.
 )";
 }
 } // namespace Vornctl

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -17,6 +18,7 @@
 
 #include "command_line.h"
 #include "demo_command.h"
+#include "dump_command.h"
 #include "event_command.h"
 #include "exit_status.h"
 #include "payload_reader.h"
@@ -57,37 +59,88 @@ int DetachStandardError()
     return original;
 }
 
-void PrintCallOutcome(const CallResult &call)
+// The outcome lines of each call, led by the call's line prefix when there were several.
+void PrintCallOutcomes(const std::vector<CommandOutcome> &outcomes)
 {
     int fd = DetachStandardError();
-    if (call.reply) {
-        dprintf(fd, "reply: %d\n", static_cast<int>(*call.reply));
-    } else {
-        dprintf(fd, "reply: none\n");
+    for (size_t i = 0; i < outcomes.size(); ++i) {
+        const CallResult &call = outcomes[i].call;
+        std::string prefix = LinePrefix(i, outcomes.size());
+        if (call.reply) {
+            dprintf(fd, "%sreply: %d\n", prefix.c_str(), static_cast<int>(*call.reply));
+        } else {
+            dprintf(fd, "%sreply: none\n", prefix.c_str());
+        }
+        dprintf(fd, "%sresult: %d\n", prefix.c_str(), call.result);
     }
-    dprintf(fd, "result: %d\n", call.result);
+}
+
+std::optional<std::vector<std::string>> ReadPayloads(const std::vector<std::string> &arguments, std::string &error)
+{
+    std::vector<std::string> payloads;
+    for (const std::string &argument : arguments) {
+        std::optional<std::string> payload = ReadPayload(argument, error);
+        if (!payload) {
+            return std::nullopt;
+        }
+        payloads.push_back(std::move(*payload));
+    }
+    return payloads;
+}
+
+// Loads and starts the service from where the tool was started, then moves to --root.
+std::unique_ptr<ServiceSession> OpenSession(const CommandLine &line, int &status)
+{
+    std::string libraryPath = LibraryPath(line);
+    if (line.root && chdir(line.root->c_str()) != 0) {
+        status = UsageError("--root " + *line.root + ": " + std::strerror(errno));
+        return nullptr;
+    }
+    std::string error;
+    std::unique_ptr<ServiceSession> session = ServiceSession::Open(libraryPath, error);
+    if (session == nullptr) {
+        std::fprintf(stderr, "vornctl: %s\n", error.c_str());
+        status = EXIT_UNAVAILABLE;
+    }
+    return session;
 }
 
 int RunCall(const CommandLine &line)
 {
     // Read before --root is applied, so that @FILE is relative to where the tool was started.
     std::string error;
-    std::optional<std::string> payload = ReadPayload(line.payload, error);
-    if (!payload) {
+    std::optional<std::vector<std::string>> payloads = ReadPayloads(line.payloads, error);
+    if (!payloads) {
         return UsageError(error);
     }
-    std::string libraryPath = LibraryPath(line);
-    if (line.root && chdir(line.root->c_str()) != 0) {
-        return UsageError("--root " + *line.root + ": " + std::strerror(errno));
-    }
-    std::unique_ptr<ServiceSession> session = ServiceSession::Open(libraryPath, error);
+    int status = EXIT_SUCCESS_RESPONSE;
+    std::unique_ptr<ServiceSession> session = OpenSession(line, status);
     if (session == nullptr) {
-        std::fprintf(stderr, "vornctl: %s\n", error.c_str());
-        return EXIT_UNAVAILABLE;
+        return status;
     }
-    CommandOutcome outcome = line.command == Command::REQUEST ? RunRequest(*session, line, *payload)
-                                                               : RunEvent(*session, line, *payload);
-    PrintCallOutcome(outcome.call);
+    if (line.command == Command::EVENT) {
+        CommandOutcome outcome = RunEvent(*session, line, payloads->front());
+        PrintCallOutcomes({outcome});
+        return outcome.exitStatus;
+    }
+    std::vector<CommandOutcome> outcomes = RunRequests(*session, line, *payloads);
+    status = CombinedExitStatus(outcomes);
+    if (line.dumpAfter) {
+        status = std::max(status, RunDump(*session, {}, stdout).exitStatus);
+    }
+    PrintCallOutcomes(outcomes);
+    return status;
+}
+
+int RunDumpOnly(const CommandLine &line)
+{
+    int status = EXIT_SUCCESS_RESPONSE;
+    std::unique_ptr<ServiceSession> session = OpenSession(line, status);
+    if (session == nullptr) {
+        return status;
+    }
+    CommandOutcome outcome = RunDump(*session, line.dumpArgs, stdout);
+    dprintf(DetachStandardError(), "result: %d\n", outcome.call.result);
     return outcome.exitStatus;
 }
 
@@ -104,6 +157,8 @@ int Run(int argc, char *argv[])
             return EXIT_SUCCESS_RESPONSE;
         case Command::DEMO:
             return RunDemo(ServiceSession::DefaultLibraryPath(), line.demoRtt);
+        case Command::DUMP:
+            return RunDumpOnly(line);
         case Command::REQUEST:
         case Command::EVENT:
             break;

@@ -1,7 +1,9 @@
 #include "response_printer.h"
 
+#include <utility>
+
 namespace Vornctl {
-ResponsePrinter::ResponsePrinter(std::FILE *out) : out_(out) {}
+ResponsePrinter::ResponsePrinter(std::FILE *out, std::string prefix) : out_(out), prefix_(std::move(prefix)) {}
 
 void ResponsePrinter::Print(const std::string &response)
 {
@@ -9,6 +11,7 @@ void ResponsePrinter::Print(const std::string &response)
     if (closed_) {
         return;
     }
+    std::fwrite(prefix_.data(), 1, prefix_.size(), out_);
     std::fwrite(response.data(), 1, response.size(), out_);
     std::fputc('\n', out_);
     std::fflush(out_);

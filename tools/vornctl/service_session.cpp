@@ -84,4 +84,9 @@ CallResult ServiceSession::Event(const HostPlatform::CallerIdentity &caller, con
     data.WriteString(paramStr);
     return Send(service_, code, data);
 }
+
+int ServiceSession::Dump(int fd, const std::vector<std::u16string> &args) const
+{
+    return service_->Dump(fd, args);
+}
 } // namespace Vornctl

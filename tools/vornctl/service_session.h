@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "ipc_host.h"
 #include "iremote_object.h"
@@ -35,6 +36,9 @@ public:
         const OHOS::sptr<OHOS::IRemoteObject> &callback, const std::u16string &descriptor, uint32_t code) const;
     CallResult Event(const HostPlatform::CallerIdentity &caller, const std::string &paramStr,
         const std::u16string &descriptor, uint32_t code) const;
+    // The service's dump, as the platform's dump tool asks for it: the remote object's Dump,
+    // which writes the text to `fd`. Returns the transaction result.
+    int Dump(int fd, const std::vector<std::u16string> &args) const;
 
 private:
     OHOS::sptr<OHOS::IRemoteObject> service_;
