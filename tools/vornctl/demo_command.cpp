@@ -21,6 +21,7 @@
 #include "ffrt_host.h"
 #include "i_vorn_sa_interface.h"
 #include "response_collector.h"
+#include "dump_command.h"
 #include "service_session.h"
 
 namespace Vornctl {
@@ -168,6 +169,17 @@ void ExplainRepeat(long long elapsedMs, std::chrono::milliseconds rtt)
 }
 
 // The same request again, now naming the URL that answered, on the same service instance.
+// What an operator would see now with the platform's dump tool: the counters of this run.
+void PrintDump(const ServiceSession &session)
+{
+    std::printf("The service's dump now, as the platform's dump tool (hidumper -s 66054) shows it:\n");
+    std::fflush(stdout);
+    if (RunDump(session, {}, stdout).exitStatus != EXIT_SUCCESS_RESPONSE) {
+        std::printf("  (the dump could not be written)\n");
+    }
+    std::printf("\n");
+}
+
 void RepeatRequest(ServiceSession &session, const DemoStage &stage)
 {
     // A client's own base URLs are used as they are, so this one carries the query endpoint.
@@ -295,6 +307,7 @@ bool SendDemoRequest(const DemoStage &stage, const std::string &libraryPath, con
     if (stage.Rtt().count() > 0) {
         RepeatRequest(*session, stage);
     }
+    PrintDump(*session);
     std::filesystem::current_path(startFolder, ignored);
     return true;
 }
