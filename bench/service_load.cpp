@@ -124,6 +124,7 @@ RunResult ServiceLoad::Run()
     // The client threads, the main thread and the sampler.
     result.SetProcessFigures(cold, start, peak, idle, std::min(target_.requests, target_.concurrency) + 2);
     result.workersPeak = HostPlatform::FfrtPeakWorkerCount();
+    result.workerThreadLimit = HostPlatform::FfrtWorkerThreadLimit();
     return result;
 }
 
