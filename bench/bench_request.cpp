@@ -1,5 +1,7 @@
 #include "bench_request.h"
 
+#include <utility>
+
 #include <nlohmann/json.hpp>
 
 namespace VornBench {
@@ -35,8 +37,13 @@ BenchRequest MakeBenchRequest(size_t requestId)
     return request;
 }
 
-std::string ToRequestJson(const BenchRequest &request, const std::string &baseUrl, const std::string &caFile)
+std::string ToRequestJson(const BenchRequest &request, const std::string &baseUrl, const std::string &caFile,
+    const std::vector<std::string> &paths)
 {
+    nlohmann::json urls = nlohmann::json::array();
+    for (const std::string &path : paths) {
+        urls.push_back(baseUrl + path);
+    }
     nlohmann::json json;
     json["interfaceName"] = "";
     json["appVersion"] = request.appVersion;
@@ -44,7 +51,7 @@ std::string ToRequestJson(const BenchRequest &request, const std::string &baseUr
     json["saType"] = "qel";
     json["requestTimeOut"] = 9000;
     json["queryHeaders"] = request.queryHeaders;
-    json["baseUrls"] = {baseUrl + QUERY_PATH};
+    json["baseUrls"] = std::move(urls);
     json["requestHeaders"] = request.requestHeaders;
     json["requestBody"] = request.requestBody;
     return json.dump();
@@ -70,6 +77,13 @@ VornTestbed::HttpResponse QueryResponse()
     VornTestbed::HttpResponse response;
     response.headerLines = {"Content-Type: application/json;charset=UTF-8", "Cache-Control: max-age=3600"};
     response.body = body.dump();
+    return response;
+}
+
+VornTestbed::HttpResponse StalledResponse()
+{
+    VornTestbed::HttpResponse response = QueryResponse();
+    response.delay = STALL_DELAY;
     return response;
 }
 } // namespace VornBench

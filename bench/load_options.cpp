@@ -6,6 +6,9 @@
 
 namespace VornBench {
 namespace {
+// Clients of the stalled-primary scenario, all calling at once: eight times the device's workers.
+constexpr size_t STALLED_CLIENTS = 64;
+
 bool ParseCount(const std::string &text, size_t &value)
 {
     if (text.empty() || text[0] == '-') {
@@ -53,6 +56,8 @@ std::optional<LoadOptions> LoadOptions::Parse(int argc, char **argv, std::string
 {
     LoadOptions options;
     help = false;
+    bool countGiven = false;
+    bool concurrencyGiven = false;
     for (int i = 1; i < argc; ++i) {
         const std::string option = argv[i];
         if (option == "-h" || option == "--help") {
@@ -63,6 +68,10 @@ std::optional<LoadOptions> LoadOptions::Parse(int argc, char **argv, std::string
             options.json = true;
             continue;
         }
+        if (option == "--stalled-primary") {
+            options.stalledPrimary = true;
+            continue;
+        }
         if (i + 1 >= argc) {
             error = "unknown option or missing value: " + option;
             return std::nullopt;
@@ -71,8 +80,10 @@ std::optional<LoadOptions> LoadOptions::Parse(int argc, char **argv, std::string
         bool valid = true;
         if (option == "-n") {
             valid = ParseCount(value, options.requests);
+            countGiven = true;
         } else if (option == "-c") {
             valid = ParseCount(value, options.concurrency);
+            concurrencyGiven = true;
         } else if (option == "--repeat") {
             valid = ParseCount(value, options.repeat);
         } else if (option == "--rtt-ms") {
@@ -103,6 +114,14 @@ std::optional<LoadOptions> LoadOptions::Parse(int argc, char **argv, std::string
             return std::nullopt;
         }
     }
+    if (options.stalledPrimary) {
+        options.requests = countGiven ? options.requests : STALLED_CLIENTS;
+        options.concurrency = concurrencyGiven ? options.concurrency : STALLED_CLIENTS;
+    }
+    if (options.stalledPrimary && (!options.rttsMs.empty() || !options.compareEnv.empty())) {
+        error = "--stalled-primary runs the service alone, on loopback";
+        return std::nullopt;
+    }
     if (options.bandwidth > 0 && options.rttsMs.empty()) {
         error = "--bandwidth needs --rtt-ms: the limit is the relay's";
         return std::nullopt;
@@ -114,6 +133,7 @@ std::string LoadOptions::Usage()
 {
     return "usage: vorn_load [-n N] [-c C] [--repeat K] [--json] [--ca-bundle FILE] [--compare-env NAME=VALUE]...\n"
            "                 [--rtt-ms MS[,MS...]]... [--bandwidth BYTES_PER_S] [--plot FILE.svg]\n"
+           "       vorn_load --stalled-primary [-n N] [-c C] [--repeat K] [--json]\n"
            "\n"
            "Starts a local HTTPS server, sends N requests (default 1000) at concurrency C (default 16)\n"
            "through the whole service, then the same N POSTs through bare libcurl, and prints both\n"
@@ -133,6 +153,10 @@ std::string LoadOptions::Usage()
            "                          (repeatable)\n"
            "  --bandwidth B           the relay also limits each direction to B bytes/s\n"
            "  --plot FILE.svg         draw every run's latency distribution (CDF, log time axis)\n"
+           "  --stalled-primary       every request names first a URL that answers after 3 s, then\n"
+           "                          one that answers at once; the service alone, its runtime at\n"
+           "                          8 workers, 64 requests all at once by default; reports the time\n"
+           "                          to the first response against the target p99 <= 1.5 s\n"
            "\n"
            "Exits 1 when any request went unanswered or failed, 2 when the tool could not run.\n";
 }

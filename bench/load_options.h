@@ -26,6 +26,9 @@ struct LoadOptions {
     std::vector<size_t> rttsMs;           // one comparison per RTT through a latency relay; none: direct
     size_t bandwidth = 0;                 // bytes/s per direction through the relay; 0: no limit
     std::string plotFile;                 // SVG of every run's latency distribution
+    // The stalled-primary scenario: every request names a URL that stalls, then one that answers
+    // at once; service runs only, 64 requests all at once unless -n and -c say otherwise.
+    bool stalledPrimary = false;
 
     // Given by the tool to the child process that makes one run ("service" or "bare").
     std::string run;

@@ -13,7 +13,8 @@
 namespace VornBench {
 // The service runs set side by side with the bare libcurl run, their ratios, and the targets:
 // every request answered, p50 within 1 ms of bare, throughput at least 90 % of bare, peak
-// threads at most 3*C+16, RSS after the run within 10 % of before it.
+// threads beside the clients at most the runtime's thread limit + 8, RSS after the run within
+// 10 % of before it.
 class LoadReport {
 public:
     LoadReport(std::string endpoint, std::vector<RunResult> serviceRuns, RunResult bareRun);

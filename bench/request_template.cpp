@@ -8,10 +8,11 @@ namespace {
 constexpr size_t MARKER_ID = 918273645546372819;
 } // namespace
 
-RequestTemplate::RequestTemplate(const std::string &baseUrl, const std::string &caFile)
+RequestTemplate::RequestTemplate(const std::string &baseUrl, const std::string &caFile,
+    const std::vector<std::string> &paths)
 {
     const std::string marker = std::to_string(MARKER_ID);
-    const std::string text = ToRequestJson(MakeBenchRequest(MARKER_ID), baseUrl, caFile);
+    const std::string text = ToRequestJson(MakeBenchRequest(MARKER_ID), baseUrl, caFile, paths);
     size_t start = 0;
     for (size_t found = text.find(marker); found != std::string::npos; found = text.find(marker, start)) {
         pieces_.push_back(text.substr(start, found - start));

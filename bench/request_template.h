@@ -11,8 +11,8 @@ namespace VornBench {
 // time is the service's.
 class RequestTemplate {
 public:
-    RequestTemplate(const std::string &baseUrl, const std::string &caFile);
-    // Equal to ToRequestJson(MakeBenchRequest(requestId), baseUrl, caFile).
+    RequestTemplate(const std::string &baseUrl, const std::string &caFile, const std::vector<std::string> &paths);
+    // Equal to ToRequestJson(MakeBenchRequest(requestId), baseUrl, caFile, paths).
     std::string For(size_t requestId) const;
 
 private:

@@ -72,6 +72,7 @@ RunResult RunResult::Combine(const std::vector<RunResult> &runs)
     combined.threadsPeak = Highest(runs, [](const RunResult &run) { return run.threadsPeak; });
     combined.threadsIdle = Highest(runs, [](const RunResult &run) { return run.threadsIdle; });
     combined.workersPeak = Highest(runs, [](const RunResult &run) { return run.workersPeak; });
+    combined.workerThreadLimit = Highest(runs, [](const RunResult &run) { return run.workerThreadLimit; });
     combined.rssPeakKib = Highest(runs, [](const RunResult &run) { return run.rssPeakKib; });
     combined.hwmKib = Highest(runs, [](const RunResult &run) { return run.hwmKib; });
     return combined;
@@ -103,7 +104,7 @@ nlohmann::json RunResult::ToJson() const
             {"max", latencyMs.max}, {"mean", latencyMs.mean}, {"percentiles", latencyMs.percentiles}}},
         {"threads", {{"start", threadsStart}, {"peak", threadsPeak}, {"idle", threadsIdle},
             {"harness", harnessThreads}, {"peak_less_harness", ServingThreadsPeak()},
-            {"peak_runtime_workers", workersPeak}}},
+            {"peak_runtime_workers", workersPeak}, {"runtime_thread_limit", workerThreadLimit}}},
         {"rss_kib", {{"cold", rssColdKib}, {"start", rssStartKib}, {"peak", rssPeakKib}, {"hwm", hwmKib},
             {"idle", rssIdleKib}, {"idle_growth_percent", RssGrowthPercent()}}},
     };
@@ -134,6 +135,7 @@ RunResult RunResult::FromJson(const nlohmann::json &json)
     result.threadsIdle = threads.at("idle").get<size_t>();
     result.harnessThreads = threads.at("harness").get<size_t>();
     result.workersPeak = threads.at("peak_runtime_workers").get<size_t>();
+    result.workerThreadLimit = threads.value("runtime_thread_limit", size_t {0});
     const nlohmann::json &rss = json.at("rss_kib");
     result.rssColdKib = rss.at("cold").get<size_t>();
     result.rssStartKib = rss.at("start").get<size_t>();

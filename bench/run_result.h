@@ -28,6 +28,7 @@ struct RunResult {
     size_t threadsPeak = 0;    // sampled during the run, the tool's own included
     size_t threadsIdle = 0;    // after the run, once the process was idle again
     size_t workersPeak = 0;    // task-runtime workers at most (service runs only)
+    size_t workerThreadLimit = 0;  // the runtime's limit on worker threads (service runs only)
     size_t rssColdKib = 0;     // when the process had done nothing yet
     size_t rssStartKib = 0;    // after the warm-up, at rest: the run's starting value
     size_t rssPeakKib = 0;     // sampled VmRSS during the run

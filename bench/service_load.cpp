@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "bench_request.h"
 #include "ffrt_host.h"
 #include "iservice_registry.h"
 #include "local_ability_manager_host.h"
@@ -87,19 +88,24 @@ OHOS::sptr<OHOS::IRemoteObject> ServiceLoad::StartService(std::string &error)
 }
 
 ServiceLoad::ServiceLoad(OHOS::sptr<OHOS::IRemoteObject> service, LoadTarget target)
-    : service_(OHOS::iface_cast<OHOS::Vorn::IVornSAInterface>(service)), target_(std::move(target)), requests_(target_.baseUrl, target_.caFile)
+    : service_(OHOS::iface_cast<OHOS::Vorn::IVornSAInterface>(service)),
+      target_(std::move(target)),
+      warmUp_(target_.baseUrl, target_.caFile, {QUERY_PATH}),
+      measured_(target_.baseUrl, target_.caFile,
+          target_.stalledPrimary ? std::vector<std::string> {STALLED_PATH, QUERY_PATH}
+                                 : std::vector<std::string> {QUERY_PATH})
 {
 }
 
 RunResult ServiceLoad::Run()
 {
     const ProcessStatus cold = ProcessStatus::Read();
-    (void)Drive(WarmUpRequests(target_), target_.concurrency);
+    (void)Drive(warmUp_, WarmUpRequests(target_), target_.concurrency);
     SettleToIdle();
     const ProcessStatus start = ReadAtRest(REST_LIMIT);
     PeakSampler sampler(SAMPLE_PERIOD);
     const double cpuBefore = ProcessCpuMilliseconds();
-    Outcome outcome = Drive(target_.requests, target_.concurrency);
+    Outcome outcome = Drive(measured_, target_.requests, target_.concurrency);
     const double cpuUsed = ProcessCpuMilliseconds() - cpuBefore;
     const ProcessStatus peak = sampler.Stop();
     SettleToIdle();
@@ -118,10 +124,11 @@ RunResult ServiceLoad::Run()
     // The client threads, the main thread and the sampler.
     result.SetProcessFigures(cold, start, peak, idle, std::min(target_.requests, target_.concurrency) + 2);
     result.workersPeak = HostPlatform::FfrtPeakWorkerCount();
+    result.workerThreadLimit = HostPlatform::FfrtWorkerThreadLimit();
     return result;
 }
 
-ServiceLoad::Outcome ServiceLoad::Drive(size_t requests, size_t concurrency) const
+ServiceLoad::Outcome ServiceLoad::Drive(const RequestTemplate &templates, size_t requests, size_t concurrency) const
 {
     std::atomic<size_t> next {0};
     std::atomic<bool> givenUp {false};
@@ -130,7 +137,7 @@ ServiceLoad::Outcome ServiceLoad::Drive(size_t requests, size_t concurrency) con
     outcome.latencyMs.reserve(requests);
     auto work = [&]() {
         for (size_t index = next++; index < requests && !givenUp.load(); index = next++) {
-            Call call = CallOnce(index);
+            Call call = CallOnce(templates, index);
             std::lock_guard<std::mutex> lock(mutex);
             if (!call.answered) {
                 // The service lost a request: stop sending, so the run ends within SILENCE_LIMIT.
@@ -156,9 +163,9 @@ ServiceLoad::Outcome ServiceLoad::Drive(size_t requests, size_t concurrency) con
     return outcome;
 }
 
-ServiceLoad::Call ServiceLoad::CallOnce(size_t index) const
+ServiceLoad::Call ServiceLoad::CallOnce(const RequestTemplate &templates, size_t index) const
 {
-    const std::string request = requests_.For(index);
+    const std::string request = templates.For(index);
     // Shared with the callback, since a request given up on may still be answered later.
     auto first = std::make_shared<FirstResponse>();
     auto callback = OHOS::sptr<OHOS::Vorn::VornRequestCallbackStub>::MakeSptr([first](const std::string &response) {

@@ -25,13 +25,14 @@ public:
 private:
     struct Call;
     struct Outcome;
-    Outcome Drive(size_t requests, size_t concurrency) const;
-    Call CallOnce(size_t index) const;
+    Outcome Drive(const RequestTemplate &templates, size_t requests, size_t concurrency) const;
+    Call CallOnce(const RequestTemplate &templates, size_t index) const;
     static void SettleToIdle();
 
     OHOS::sptr<OHOS::Vorn::IVornSAInterface> service_;
     LoadTarget target_;
-    RequestTemplate requests_;
+    RequestTemplate warmUp_;
+    RequestTemplate measured_;
 };
 } // namespace VornBench
 

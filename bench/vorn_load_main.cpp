@@ -21,6 +21,7 @@
 #include "load_report.h"
 #include "local_https_server.h"
 #include "service_load.h"
+#include "stall_report.h"
 #include "temp_dir.h"
 
 namespace {
@@ -40,7 +41,7 @@ struct RunKind {
 // The child's side: one run, its result as one JSON line on standard output.
 [[noreturn]] void RunOne(const LoadOptions &options)
 {
-    LoadTarget target {options.baseUrl, options.caFile, options.requests, options.concurrency};
+    LoadTarget target {options.baseUrl, options.caFile, options.requests, options.concurrency, options.stalledPrimary};
     RunResult result;
     if (options.run == "bare") {
         result = BareLoad(target).Run();
@@ -148,6 +149,30 @@ PlotPanel PanelOf(const std::string &title, double rttMs, const LoadReport &repo
     return panel;
 }
 
+// The stalled-primary scenario: service runs only, since bare libcurl has no race to fall back on.
+int StalledPrimary(const LoadOptions &options, const std::string &baseUrl, const std::string &caFile)
+{
+    const std::vector<std::string> arguments {"--run", "service", "--stalled-primary", "--base-url", baseUrl,
+        "--ca-file", caFile, "-n", std::to_string(options.requests), "-c", std::to_string(options.concurrency)};
+    // The device's limit, set whatever the caller's environment says.
+    const std::vector<EnvChange> env {{"VORN_FFRT_WORKERS", std::string("8")}};
+    std::vector<RunResult> runs;
+    for (size_t repetition = 0; repetition < options.repeat; ++repetition) {
+        std::optional<RunResult> result = RunChild("service, stalled primary", arguments, env);
+        if (!result) {
+            return EXIT_BROKEN;
+        }
+        runs.push_back(*result);
+    }
+    const StallReport report(RunResult::Combine(runs));
+    if (options.json) {
+        std::cout << report.ToJson().dump(2) << std::endl;
+    } else {
+        report.PrintTable(std::cout);
+    }
+    return report.AllServed() ? EXIT_SERVED : EXIT_UNSERVED;
+}
+
 int Compare(const LoadOptions &options)
 {
     VornTestbed::TempDir dir;
@@ -162,9 +187,13 @@ int Compare(const LoadOptions &options)
     }
     VornTestbed::LocalHttpsServer server(VornTestbed::ServerOptions::Tls(*files));
     server.Respond(QUERY_PATH, QueryResponse());
+    server.Respond(STALLED_PATH, StalledResponse());
     if (!server.Start()) {
         std::cerr << "vorn_load: cannot start the local HTTPS server\n";
         return EXIT_BROKEN;
+    }
+    if (options.stalledPrimary) {
+        return StalledPrimary(options, server.BaseUrl(), *caFile);
     }
 
     std::vector<LoadReport> reports;
