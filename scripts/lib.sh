@@ -6,6 +6,11 @@ vorn_unset_proxies()
     unset http_proxy https_proxy HTTP_PROXY HTTPS_PROXY all_proxy ALL_PROXY no_proxy NO_PROXY
 }
 
+# Compilations are cached by their paths relative to the checkout, so that a fresh clone in
+# another folder (as CI makes) still finds what an earlier build compiled.
+export CCACHE_BASEDIR="${CCACHE_BASEDIR:-$PWD}"
+export CCACHE_NOHASHDIR="${CCACHE_NOHASHDIR:-1}"
+
 # CMake arguments that route compilations through ccache when it is installed.
 vorn_launcher_args()
 {
