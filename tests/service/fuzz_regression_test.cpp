@@ -60,7 +60,7 @@ TEST(FuzzRegressionTest, HostOfAVeryLongUrlNeedsNoDeepStack)
 class FuzzRegressionIpcTest : public testing::Test {
 protected:
     sptr<OHOS::Vorn::VornSA> sa_ = new OHOS::Vorn::VornSA(OHOS::Vorn::VORN_SA_ID, false);
-    VornTest::RawServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
+    VornTools::RawServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
     HostPlatform::LogCapture logs_;
 };
 

@@ -73,7 +73,7 @@ protected:
     }
 
     OHOS::sptr<OHOS::Vorn::VornSA> sa_ = new OHOS::Vorn::VornSA(OHOS::Vorn::VORN_SA_ID, false);
-    VornTest::RawServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
+    VornTools::RawServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
 };
 
 TEST_F(PrivacyTest, RequestAndEventContentsAreLoggedOnlyWhenRevealed)

@@ -25,6 +25,7 @@ using namespace std::chrono_literals;
 
 namespace VornTest {
 namespace {
+using VornTools::RawServiceClient;
 using Counters = std::map<std::string, long long>;
 
 // An id of its own, so that the test never replaces the service the library registered.

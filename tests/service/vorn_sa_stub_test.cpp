@@ -26,9 +26,9 @@ using namespace OHOS::Vorn;
 using namespace std::chrono_literals;
 using HostPlatform::LogCapture;
 using HostPlatform::ScopedCallerIdentity;
-using VornTest::CallResult;
+using VornTools::CallResult;
 using VornTest::ResponseRecorder;
-using VornTest::RawServiceClient;
+using VornTools::RawServiceClient;
 using VornTest::ServiceLines;
 
 namespace {

@@ -47,7 +47,7 @@ TEST(VornSATest, LibraryRegistersTheServiceWhichPublishesItselfOnStart)
     sptr<IRemoteObject> service = Samgr()->GetSystemAbility(VORN_SA_ID);
     ASSERT_NE(service, nullptr);
     // It is this service that answers: a malformed event draws its own code.
-    EXPECT_EQ(VornTest::RawServiceClient(service).Event("{").result, ERR_PARCEL_READ_PARAM);
+    EXPECT_EQ(VornTools::RawServiceClient(service).Event("{").result, ERR_PARCEL_READ_PARAM);
 }
 
 TEST(VornSATest, SecondStartLogsAnErrorAndDoesNotPublishAgain)

@@ -8,26 +8,11 @@
 
 #include "iservice_registry.h"
 #include "local_ability_manager_host.h"
-#include "message_option.h"
-#include "message_parcel.h"
 
 namespace Vornctl {
 namespace {
 constexpr int32_t VORN_SA_ID = 66054;
 constexpr char LIBRARY_NAME[] = "libvorn_service.z.so";
-
-CallResult Send(const OHOS::sptr<OHOS::IRemoteObject> &service, uint32_t code, OHOS::MessageParcel &data)
-{
-    OHOS::MessageParcel reply;
-    OHOS::MessageOption option;
-    CallResult outcome;
-    outcome.result = service->SendRequest(code, data, reply, option);
-    int32_t value = 0;
-    if (reply.ReadInt32(value)) {
-        outcome.reply = value;
-    }
-    return outcome;
-}
 } // namespace
 
 std::unique_ptr<ServiceSession> ServiceSession::Open(const std::string &libraryPath, std::string &error)
@@ -61,28 +46,21 @@ std::string ServiceSession::DefaultLibraryPath()
     return (executable.parent_path().parent_path() / LIBRARY_NAME).string();
 }
 
-ServiceSession::ServiceSession(OHOS::sptr<OHOS::IRemoteObject> service) : service_(std::move(service)) {}
+ServiceSession::ServiceSession(OHOS::sptr<OHOS::IRemoteObject> service) : service_(service), raw_(std::move(service)) {}
 
 CallResult ServiceSession::Request(const HostPlatform::CallerIdentity &caller,
     const std::string &paramStr, const OHOS::sptr<OHOS::IRemoteObject> &callback, const std::u16string &descriptor,
     uint32_t code) const
 {
     HostPlatform::ScopedCallerIdentity identity(caller);
-    OHOS::MessageParcel data;
-    data.WriteInterfaceToken(descriptor);
-    data.WriteRemoteObject(callback);
-    data.WriteString(paramStr);
-    return Send(service_, code, data);
+    return raw_.Request(paramStr, callback, descriptor, code);
 }
 
 CallResult ServiceSession::Event(const HostPlatform::CallerIdentity &caller, const std::string &paramStr,
     const std::u16string &descriptor, uint32_t code) const
 {
     HostPlatform::ScopedCallerIdentity identity(caller);
-    OHOS::MessageParcel data;
-    data.WriteInterfaceToken(descriptor);
-    data.WriteString(paramStr);
-    return Send(service_, code, data);
+    return raw_.Event(paramStr, descriptor, code);
 }
 
 int ServiceSession::Dump(int fd, const std::vector<std::u16string> &args) const

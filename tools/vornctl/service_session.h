@@ -3,18 +3,15 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "ipc_host.h"
 #include "iremote_object.h"
+#include "raw_service_client.h"
 
 namespace Vornctl {
-struct CallResult {
-    int result = 0;                // the transaction result
-    std::optional<int32_t> reply;  // the first Int32 of the reply parcel, when it holds one
-};
+using CallResult = VornTools::CallResult;
 
 // The service as a client process reaches it on a device: its library loaded by the service
 // host of this process, system ability 66054 started and its remote object taken from the
@@ -42,6 +39,7 @@ public:
 
 private:
     OHOS::sptr<OHOS::IRemoteObject> service_;
+    VornTools::RawServiceClient raw_;
 };
 } // namespace Vornctl
 

@@ -3,7 +3,7 @@
 #include "message_option.h"
 #include "message_parcel.h"
 
-namespace VornTest {
+namespace VornTools {
 namespace {
 CallResult Send(const OHOS::sptr<OHOS::IRemoteObject> &service, uint32_t code, OHOS::MessageParcel &data)
 {
@@ -38,4 +38,4 @@ CallResult RawServiceClient::Event(const std::string &paramStr, const std::u16st
     data.WriteString(paramStr);
     return Send(service_, code, data);
 }
-} // namespace VornTest
+} // namespace VornTools

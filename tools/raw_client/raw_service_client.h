@@ -1,5 +1,5 @@
-#ifndef VORN_TESTS_SUPPORT_RAW_SERVICE_CLIENT_H
-#define VORN_TESTS_SUPPORT_RAW_SERVICE_CLIENT_H
+#ifndef VORN_TOOLS_RAW_CLIENT_RAW_SERVICE_CLIENT_H
+#define VORN_TOOLS_RAW_CLIENT_RAW_SERVICE_CLIENT_H
 
 #include <cstdint>
 #include <optional>
@@ -8,14 +8,15 @@
 #include "i_vorn_sa_interface.h"
 #include "iremote_object.h"
 
-namespace VornTest {
+namespace VornTools {
 struct CallResult {
     int result = 0;                // the transaction result
     std::optional<int32_t> reply;  // the first Int32 of the reply parcel, when it holds one
 };
 
 // Writes the service's two transactions by hand, with any token and code, so that the
-// service's refusals can be exercised; the client kit's proxy only writes correct ones.
+// service's refusals can be exercised; the client kit's proxy only writes correct ones. Used by
+// vornctl and the tests.
 class RawServiceClient {
 public:
     explicit RawServiceClient(OHOS::sptr<OHOS::IRemoteObject> service);
@@ -30,6 +31,6 @@ public:
 private:
     OHOS::sptr<OHOS::IRemoteObject> service_;
 };
-} // namespace VornTest
+} // namespace VornTools
 
-#endif // VORN_TESTS_SUPPORT_RAW_SERVICE_CLIENT_H
+#endif // VORN_TOOLS_RAW_CLIENT_RAW_SERVICE_CLIENT_H
