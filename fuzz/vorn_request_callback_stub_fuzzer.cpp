@@ -17,6 +17,7 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include "ipc_types.h"
+#include "fuzz_choice.h"
 #include "fuzz_environment.h"
 #include "message_option.h"
 #include "message_parcel.h"
@@ -26,23 +27,12 @@ using namespace OHOS;
 using namespace OHOS::Vorn;
 
 namespace {
+using VornFuzz::ChooseMostlyValid;
+
 // Value 0 of every choice is the valid one.
 enum class Code : uint8_t { RESPONSE, ANY, LAST = ANY };
 enum class Token : uint8_t { RIGHT, FUZZED, MISSING, RAW_BYTES, LAST = RAW_BYTES };
 enum class Text : uint8_t { STRING, MISSING, RAW_BYTES, STRING16, LAST = STRING16 };
-
-template <typename E>
-E Choose(FuzzedDataProvider &provider)
-{
-    return static_cast<E>(provider.ConsumeIntegralInRange<uint8_t>(0, static_cast<uint8_t>(E::LAST)));
-}
-
-// Mostly the valid choice: a fuzzer byte below 0xC0 keeps it, the rest pick among all of them.
-template <typename E>
-E ChooseMostlyValid(FuzzedDataProvider &provider)
-{
-    return provider.ConsumeIntegral<uint8_t>() < 0xC0 ? static_cast<E>(0) : Choose<E>(provider);
-}
 
 // A fuzzed token that happens to be the right one counts as right.
 bool WriteToken(MessageParcel &data, Token token, FuzzedDataProvider &provider)

@@ -24,6 +24,7 @@
 
 #include "eventhandler_host.h"
 #include "ffrt_host.h"
+#include "fuzz_choice.h"
 #include "fuzz_environment.h"
 #include "ipc_host.h"
 #include "message_option.h"
@@ -37,6 +38,9 @@ using namespace OHOS::Vorn;
 using namespace std::chrono_literals;
 
 namespace {
+using VornFuzz::Choose;
+using VornFuzz::ChooseMostlyValid;
+
 // Value 0 of every choice is the valid one.
 enum class Caller : uint8_t { NATIVE, SYSTEM_APP, APP, LAST = APP };
 enum class Token : uint8_t { RIGHT, FUZZED, MISSING, RAW_BYTES, LAST = RAW_BYTES };
@@ -67,19 +71,6 @@ std::string RefusingUrl()
         std::abort();
     }
     return "https://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/fuzz";
-}
-
-template <typename E>
-E Choose(FuzzedDataProvider &provider)
-{
-    return static_cast<E>(provider.ConsumeIntegralInRange<uint8_t>(0, static_cast<uint8_t>(E::LAST)));
-}
-
-// Mostly the valid choice: a fuzzer byte below 0xC0 keeps it, the rest pick among all of them.
-template <typename E>
-E ChooseMostlyValid(FuzzedDataProvider &provider)
-{
-    return provider.ConsumeIntegral<uint8_t>() < 0xC0 ? static_cast<E>(0) : Choose<E>(provider);
 }
 
 bool IsStringList(const nlohmann::json &value)
