@@ -179,7 +179,7 @@ bool HttpLogic::SetTransferOptions()
         return false;
     }
     proxy_ = ChooseProxy();
-    ApplyProxy(proxy_);
+    SetCurlHttpProxy();
     (void)curl_easy_setopt(curl, CURLOPT_SSL_VERIFYPEER, 1L);
     (void)curl_easy_setopt(curl, CURLOPT_SSL_VERIFYHOST, VERIFY_HOST_NAME);
     SetCaOptions();
@@ -418,11 +418,6 @@ void HttpLogic::GetHttpProxyInfo(std::string &host, int &port, std::string &excl
     exclusions = StringUtils::ToString(std::vector<std::string>(exclusionList.begin(), exclusionList.end()), ',');
 }
 
-void HttpLogic::SetCurlHttpProxy() const
-{
-    ApplyProxy(ChooseProxy());
-}
-
 HttpLogic::ProxyChoice HttpLogic::ChooseProxy()
 {
     ProxyChoice proxy;
@@ -431,20 +426,20 @@ HttpLogic::ProxyChoice HttpLogic::ChooseProxy()
     return proxy;
 }
 
-void HttpLogic::ApplyProxy(const ProxyChoice &proxy) const
+void HttpLogic::SetCurlHttpProxy() const
 {
-    if (proxy.host.empty()) {
+    if (proxy_.host.empty()) {
         return;
     }
     VORN_LOGI("Set default proxy");
     CURL *curl = curl_.get();
-    (void)curl_easy_setopt(curl, CURLOPT_PROXY, proxy.host.c_str());
-    (void)curl_easy_setopt(curl, CURLOPT_PROXYPORT, static_cast<long>(proxy.port));
-    if (!proxy.exclusions.empty()) {
-        (void)curl_easy_setopt(curl, CURLOPT_NOPROXY, proxy.exclusions.c_str());
+    (void)curl_easy_setopt(curl, CURLOPT_PROXY, proxy_.host.c_str());
+    (void)curl_easy_setopt(curl, CURLOPT_PROXYPORT, static_cast<long>(proxy_.port));
+    if (!proxy_.exclusions.empty()) {
+        (void)curl_easy_setopt(curl, CURLOPT_NOPROXY, proxy_.exclusions.c_str());
     }
     (void)curl_easy_setopt(curl, CURLOPT_HTTPPROXYTUNNEL, 1L);
-    (void)curl_easy_setopt(curl, CURLOPT_PROXYTYPE, proxy.type);
+    (void)curl_easy_setopt(curl, CURLOPT_PROXYTYPE, proxy_.type);
 }
 } // namespace Vorn
 } // namespace OHOS

@@ -70,6 +70,7 @@ public:
     std::string GetResponseBody() const;
 
     static void GetHttpProxyInfo(std::string &host, int &port, std::string &exclusions);
+    // Applies the proxy the transfer chose; an empty host means a direct connection.
     void SetCurlHttpProxy() const;
 
 private:
@@ -96,7 +97,6 @@ private:
 
     bool SetRequiredOption(CURLoption option, const void *value, const char *failureLog) const;
     static ProxyChoice ChooseProxy();
-    void ApplyProxy(const ProxyChoice &proxy) const;
     bool SetTransferOptions();
     bool PassesRawHeads() const;
     void SetCaOptions();
