@@ -403,46 +403,6 @@ TEST(FfrtQueueTest, SerialQueueRunsOneTaskAtATimeInSubmissionOrder)
     EXPECT_EQ(maxInFlight.load(), 1);
 }
 
-TEST(FfrtQueueTest, SubmitHeadGoesBeforeWaitingTasks)
-{
-    BlockedQueue queue("head");
-    std::vector<char> order;
-    ffrt_queue_submit(queue.Get(), QueueFunction([&order] { order.push_back('a'); }), nullptr);
-    ffrt_queue_submit(queue.Get(), QueueFunction([&order] { order.push_back('b'); }), nullptr);
-    ffrt_queue_submit_head(queue.Get(), QueueFunction([&order] { order.push_back('h'); }), nullptr);
-    queue.Open();
-    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
-    EXPECT_EQ(order, (std::vector<char> {'h', 'a', 'b'}));
-}
-
-TEST(FfrtQueueTest, CancelRemovesOnlyTasksNotYetStarted)
-{
-    BlockedQueue queue("cancel");
-    std::atomic<bool> ranA {false};
-    std::atomic<bool> ranB {false};
-    auto token = std::make_shared<int>(0);
-    std::weak_ptr<int> capturedByA = token;
-    ffrt_task_handle_t a = ffrt_queue_submit_h(queue.Get(), QueueFunction([&ranA, token] { ranA = true; }), nullptr);
-    token.reset();
-    ffrt_task_handle_t b = ffrt_queue_submit_h(queue.Get(), QueueFunction([&ranB] { ranB = true; }), nullptr);
-    EXPECT_EQ(ffrt_queue_get_task_cnt(queue.Get()), 2U);
-
-    EXPECT_EQ(ffrt_queue_cancel(a), 0);
-    EXPECT_TRUE(capturedByA.expired()) << "a cancelled task's function is destroyed at once";
-    EXPECT_EQ(ffrt_queue_get_task_cnt(queue.Get()), 1U);
-    EXPECT_NE(ffrt_queue_cancel(a), 0);
-    EXPECT_NE(ffrt_queue_cancel(queue.Blocker()), 0) << "a running task cannot be cancelled";
-
-    queue.Open();
-    ffrt_queue_wait(b);
-    ffrt_queue_wait(a);
-    EXPECT_TRUE(ranB.load());
-    EXPECT_FALSE(ranA.load());
-    EXPECT_NE(ffrt_queue_cancel(b), 0);
-    ffrt_task_handle_destroy(a);
-    ffrt_task_handle_destroy(b);
-}
-
 TEST(FfrtQueueTest, DestroyDropsWaitingTasksAndWaitsForTheRunningOne)
 {
     ffrt_queue_t queue = ffrt_queue_create(ffrt_queue_serial, "destroy", nullptr);
@@ -484,29 +444,6 @@ TEST(FfrtQueueTest, DestroyFromTheQueuesOwnTaskReturns)
     ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
     EXPECT_TRUE(destroyed.load());
     EXPECT_FALSE(ranPending.load());
-}
-
-TEST(FfrtQueueTest, ConcurrentQueueHonoursItsConcurrencyLimit)
-{
-    ffrt_queue_attr_t attr;
-    ffrt_queue_attr_init(&attr);
-    ffrt_queue_attr_set_max_concurrency(&attr, 2);
-    ffrt_queue_t queue = ffrt_queue_create(ffrt_queue_concurrent, "wide", &attr);
-    ffrt_queue_attr_destroy(&attr);
-    std::atomic<int> inFlight {0};
-    std::atomic<int> maxInFlight {0};
-    for (int i = 0; i < 20; ++i) {
-        ffrt_queue_submit(queue, QueueFunction([&] {
-            int now = ++inFlight;
-            maxInFlight = std::max(maxInFlight.load(), now);
-            std::this_thread::sleep_for(2ms);
-            --inFlight;
-        }), nullptr);
-    }
-    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
-    ffrt_queue_destroy(queue);
-    EXPECT_GE(maxInFlight.load(), 1);
-    EXPECT_LE(maxInFlight.load(), 2);
 }
 
 TEST(FfrtHostTest, IdleOnlyWhenNothingIsQueuedRunningOrDelayed)
