@@ -18,6 +18,7 @@ class LocalAbilityManager {
 public:
     static LocalAbilityManager &GetInstance();
 
+    bool IsRegistered(int32_t systemAbilityId);
     // Calls the ability's OnStart. Repeated calls are passed on, so an ability's own guard
     // against them can be exercised. False if no ability has the id.
     bool StartAbility(int32_t systemAbilityId);

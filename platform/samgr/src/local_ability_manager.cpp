@@ -17,6 +17,11 @@ LocalAbilityManager::LocalAbilityManager()
         [](int32_t id) { return GetInstance().StartAbility(id); });
 }
 
+bool LocalAbilityManager::IsRegistered(int32_t systemAbilityId)
+{
+    return Find(systemAbilityId) != nullptr;
+}
+
 bool LocalAbilityManager::StartAbility(int32_t systemAbilityId)
 {
     OHOS::SystemAbility *ability = Find(systemAbilityId);
