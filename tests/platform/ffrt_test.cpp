@@ -3,9 +3,7 @@
 #include <condition_variable>
 #include <cerrno>
 #include <cstdint>
-#include <cstring>
 #include <exception>
-#include <fstream>
 #include <future>
 #include <memory>
 #include <mutex>
@@ -19,6 +17,7 @@
 #include "ffrt.h"
 #include "ffrt_host.h"
 #include "ffrt_inner.h"
+#include "process_status.h"
 
 namespace {
 using namespace std::chrono_literals;
@@ -103,25 +102,13 @@ TEST(FfrtPoolTest, TasksWaitingInRuntimePrimitivesGiveTheirWorkersBack)
     EXPECT_LE(HostPlatform::FfrtPeakWorkerCount(), HostPlatform::FfrtWorkerThreadLimit());
 }
 
-size_t ProcessThreads()
-{
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind("Threads:", 0) == 0) {
-            return std::stoul(line.substr(std::strlen("Threads:")));
-        }
-    }
-    return 0;
-}
-
 // Suspended tasks hold no thread: with far more tasks waiting at once than the thread limit,
 // the process keeps to the limit plus the runtime's timer and the test's own thread.
 TEST(FfrtPoolTest, SuspendedTasksHoldNoThread)
 {
     constexpr size_t waiting = 300;
     ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
-    const size_t threadsBefore = ProcessThreads();
+    const size_t threadsBefore = VornTestbed::ProcessStatus::Read().threads;
     const size_t workersBefore = HostPlatform::FfrtWorkerCount();
     ffrt::mutex mutex;
     ffrt::condition_variable opened;
@@ -140,7 +127,7 @@ TEST(FfrtPoolTest, SuspendedTasksHoldNoThread)
     }
     EXPECT_GE(HostPlatform::FfrtSuspendedTaskCount(), waiting);
     EXPECT_LE(HostPlatform::FfrtWorkerCount(), HostPlatform::FfrtWorkerThreadLimit());
-    EXPECT_LE(ProcessThreads(), threadsBefore + HostPlatform::FfrtWorkerThreadLimit() - workersBefore + 1);
+    EXPECT_LE(VornTestbed::ProcessStatus::Read().threads, threadsBefore + HostPlatform::FfrtWorkerThreadLimit() - workersBefore + 1);
     for (ffrt::future<void> &sleeper : sleepers) {
         sleeper.get();
     }
