@@ -105,12 +105,4 @@ TEST(VornSATest, FailedPublishLeavesTheServiceStoppedUntilTheNextStart)
     EXPECT_EQ(logs.Count("Start VORN service success."), 1u);
     EXPECT_FALSE(logs.Contains("VORN SA is already running."));
 }
-
-TEST(VornSATest, OnlySuccessHasAMessage)
-{
-    EXPECT_EQ(GetVornErrorMessage(SUCCESS), "Success.");
-    for (int32_t code : {-1, 1, 2, 3, 4, 5, 6, 7}) {
-        EXPECT_EQ(GetVornErrorMessage(code), "") << code;
-    }
-}
 } // namespace
