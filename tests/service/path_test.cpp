@@ -23,6 +23,7 @@ TEST(PathTest, PosixPathsKeepTheirRootAndLoseEmptyComponents)
     EXPECT_EQ(Path("system/etc/a.json").Str(Path::POSIX), "system/etc/a.json");
     EXPECT_EQ(Path("/").Str(Path::POSIX), "/");
     EXPECT_EQ(Path("").Str(Path::POSIX), "");
+    EXPECT_EQ(Path("/vorn-no-such-dir/a.json").FileSize(), 0u);
 }
 
 TEST(PathTest, WindowsFormsPrintWithTheirPrefixes)
