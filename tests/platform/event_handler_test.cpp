@@ -1,5 +1,4 @@
 #include <chrono>
-#include <future>
 #include <limits>
 #include <memory>
 #include <string>
@@ -11,6 +10,7 @@
 #include "event_handler.h"
 #include "event_runner.h"
 #include "eventhandler_host.h"
+#include "task_gate.h"
 
 namespace {
 using namespace std::chrono_literals;
@@ -35,40 +35,17 @@ bool EventRunnersIdle()
     return HostPlatform::EventRunnersWaitIdle(0ms);
 }
 
-// Holds a runner inside one task until Open(), so that everything sent meanwhile queues up.
-class RunnerGate {
-public:
-    explicit RunnerGate(EventHandler &handler)
-    {
-        std::shared_future<void> opened = gate_.get_future().share();
-        auto started = std::make_shared<std::promise<void>>();
-        std::future<void> running = started->get_future();
-        Post(handler, [opened, started] {
-            started->set_value();
-            opened.wait();
-        });
-        running.wait();
-    }
-    ~RunnerGate() { Open(); }
-    RunnerGate(const RunnerGate &) = delete;
-    RunnerGate &operator=(const RunnerGate &) = delete;
-
-    void Open()
-    {
-        if (!opened_) {
-            opened_ = true;
-            gate_.set_value();
-        }
-    }
-
-private:
-    std::promise<void> gate_;
-    bool opened_ = false;
-};
-
 class EventHandlerTest : public testing::Test {
 protected:
     void TearDown() override { EXPECT_TRUE(EventRunnersWaitIdle(SETTLE_TIMEOUT)); }
+
+    // Holds the runner inside one task until the gate opens, so that everything sent meanwhile
+    // queues up.
+    void HoldRunner(VornTest::TaskGate &gate)
+    {
+        Post(*handler_, gate.Blocker());
+        ASSERT_TRUE(gate.WaitStarted(SETTLE_TIMEOUT));
+    }
 
     std::function<void()> Record(const std::string &label)
     {
@@ -82,7 +59,8 @@ protected:
 
 TEST_F(EventHandlerTest, DueEventsRunByPriorityThenInSendOrder)
 {
-    RunnerGate gate(*handler_);
+    VornTest::TaskGate gate;
+    HoldRunner(gate);
     Post(*handler_, Record("low-1"), "", 0, Priority::LOW);
     Post(*handler_, Record("idle"), "", 0, Priority::IDLE);
     Post(*handler_, Record("high"), "", 0, Priority::HIGH);
@@ -120,14 +98,14 @@ TEST_F(EventHandlerTest, DelayedEventsRunInDueOrderNeverEarlyWhateverTheirPriori
 TEST_F(EventHandlerTest, RemoveTaskDropsEveryPendingTaskOfThatNameOfThisHandlerOnly)
 {
     auto other = std::make_shared<EventHandler>(runner_);
-    {
-        RunnerGate gate(*handler_);
-        Post(*handler_, Record("a-1"), "a");
-        Post(*handler_, Record("b"), "b");
-        Post(*handler_, Record("a-2"), "a", 10);
-        Post(*other, Record("other-a"), "a");
-        handler_->RemoveTask("a");
-    }
+    VornTest::TaskGate gate;
+    HoldRunner(gate);
+    Post(*handler_, Record("a-1"), "a");
+    Post(*handler_, Record("b"), "b");
+    Post(*handler_, Record("a-2"), "a", 10);
+    Post(*other, Record("other-a"), "a");
+    handler_->RemoveTask("a");
+    gate.Open();
     ASSERT_TRUE(EventRunnersWaitIdle(SETTLE_TIMEOUT));
     EXPECT_EQ(order_, (std::vector<std::string> {"b", "other-a"}));
 }
@@ -171,12 +149,11 @@ TEST(EventRunnerTest, LastReferenceDroppedOnTheRunnerThreadEndsItQuietly)
 {
     auto runner = EventRunner::Create(true);
     auto handler = std::make_shared<EventHandler>(runner);
-    std::promise<void> gate;
-    std::shared_future<void> opened = gate.get_future().share();
-    Post(*handler, [handler, opened] { opened.wait(); });
+    VornTest::TaskGate gate;
+    Post(*handler, [handler, blocker = gate.Blocker()] { blocker(); });
     handler.reset();
     runner.reset();
-    gate.set_value();
+    gate.Open();
     EXPECT_TRUE(EventRunnersWaitIdle(SETTLE_TIMEOUT));
 }
 } // namespace

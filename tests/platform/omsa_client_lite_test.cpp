@@ -1,10 +1,6 @@
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -12,37 +8,19 @@
 
 #include "omsa_client_lite_api.h"
 
+#include "omsa_log.h"
 #include "scoped_env.h"
 
 namespace {
 using namespace OHOS::OmsaCloud;
 
-// Sets (or unsets, for nullopt) an environment variable and restores the old value on scope exit.
 using VornTest::ScopedEnv;
 
+// Every test records into its own file, with the result code left at its default.
 class OmsaClientLiteTest : public testing::Test {
 protected:
-    OmsaClientLiteTest()
-        : path_(testing::TempDir() + "omsa_test_" + std::to_string(getpid()) + ".log"),
-          log_("VORN_OMSA_LOG", path_), result_("VORN_OMSA_RESULT", std::nullopt)
-    {
-        std::remove(path_.c_str());
-    }
-    ~OmsaClientLiteTest() override { std::remove(path_.c_str()); }
-
-    std::vector<nlohmann::json> Calls() const
-    {
-        std::ifstream in(path_);
-        std::vector<nlohmann::json> calls;
-        for (std::string line; std::getline(in, line);) {
-            calls.push_back(nlohmann::json::parse(line));
-        }
-        return calls;
-    }
-
-    std::string path_;
-    ScopedEnv log_;
-    ScopedEnv result_;
+    VornTest::OmsaLog log_;
+    ScopedEnv result_ {"VORN_OMSA_RESULT", std::nullopt};
 };
 
 TEST_F(OmsaClientLiteTest, SetConfigOptionsRecordsTheMaintenanceUrl)
@@ -60,7 +38,7 @@ TEST_F(OmsaClientLiteTest, SetConfigOptionsRecordsTheMaintenanceUrl)
     config.maintenanceConfig.reset();
     OmsaClientLiteApi::SetConfigOptions(config);
 
-    std::vector<nlohmann::json> calls = Calls();
+    std::vector<nlohmann::json> calls = log_.Calls("SetConfigOptions");
     ASSERT_EQ(calls.size(), 2u);
     EXPECT_EQ(calls[0], nlohmann::json::parse(R"({"op":"SetConfigOptions","tag":"vorn","package":"com.vorn.service",
         "saId":66054,"collectUrl":"https://collect.invalid/v1"})"));
@@ -72,7 +50,7 @@ TEST_F(OmsaClientLiteTest, OnEventRecordsTypeIdAndData)
     OmsaClientLiteApi::OnEvent("vorn", EventTypeLite::OPERATION, "evt_1", {{"uid", "20010"}, {"k", "v"}});
     OmsaClientLiteApi::OnEvent("vorn", EventTypeLite::MAINTENANCE, "evt_2", {});
 
-    std::vector<nlohmann::json> calls = Calls();
+    std::vector<nlohmann::json> calls = log_.Calls("OnEvent");
     ASSERT_EQ(calls.size(), 2u);
     EXPECT_EQ(calls[0], nlohmann::json::parse(R"({"op":"OnEvent","tag":"vorn","type":1,"eventId":"evt_1",
         "data":{"uid":"20010","k":"v"}})"));
@@ -109,13 +87,13 @@ TEST_F(OmsaClientLiteTest, ConcurrentCallsWriteWholeLines)
     for (std::thread &caller : callers) {
         caller.join();
     }
-    EXPECT_EQ(Calls().size(), static_cast<size_t>(threads * callsPerThread));
+    EXPECT_EQ(log_.Calls("OnEvent").size(), static_cast<size_t>(threads * callsPerThread));
 }
 
 TEST_F(OmsaClientLiteTest, InvalidUtf8IsReplacedNotThrown)
 {
     EXPECT_NO_THROW(OmsaClientLiteApi::OnEvent("t", EventTypeLite::OPERATION, "bad\xff", {{"k", "\xc3"}}));
-    std::vector<nlohmann::json> calls = Calls();
+    std::vector<nlohmann::json> calls = log_.Calls("OnEvent");
     ASSERT_EQ(calls.size(), 1u);
     EXPECT_EQ(calls[0]["eventId"], "bad\xef\xbf\xbd");
 }
