@@ -53,11 +53,7 @@ public:
     }
     VornClient::ServiceDiedHandler OnServiceDied()
     {
-        return [this]() {
-            std::lock_guard<std::mutex> lock(mutex_);
-            ++deaths_;
-            changed_.notify_all();
-        };
+        return [this]() { ++deaths_; };
     }
     bool WaitForResponses(size_t count, std::chrono::milliseconds timeout)
     {
@@ -69,9 +65,8 @@ public:
         std::lock_guard<std::mutex> lock(mutex_);
         return responses_;
     }
-    int Deaths()
+    int Deaths() const
     {
-        std::lock_guard<std::mutex> lock(mutex_);
         return deaths_;
     }
 
@@ -79,7 +74,7 @@ private:
     std::mutex mutex_;
     std::condition_variable changed_;
     std::vector<VornResponse> responses_;
-    int deaths_ = 0;
+    std::atomic<int> deaths_ {0};
 };
 
 sptr<ISystemAbilityManager> Samgr()

@@ -123,7 +123,6 @@ TEST_F(VornctlTest, UsageErrorsExitSixtyFourWithOneLine)
         {"request", "--caller", "root", "{}"},
         {"request", "--uid", "-1", "{}"},
         {"request", "--wait-ms"},
-        {"event", "--all", "{}"},
         {"event", "--no-callback", "{}"},
         {"request", "@" + dir_.Path("missing.json")},
         {"request", "--root", dir_.Path("missing"), "{}"},
@@ -169,8 +168,6 @@ TEST_F(VornctlTest, SeveralRequestsAreNumberedInArrivalOrderAndExitWithTheWorst)
         int exitCode;
     };
     const std::vector<Case> cases {
-        {{missing}, 1},
-        {{R"({"saType":"gns"})"}, 2},
         {{missing, ok}, 1},
         {{ok, missing}, 1},
         {{missing, R"({"saType":"gns"})", ok}, 2},
