@@ -9,32 +9,46 @@
 #include <mutex>
 
 namespace OHOS {
-// The threads a callee process handles its transactions on. A thread that finished its work
-// waits a while for more before it ends, so a busy process does not pay for a new thread per
-// transaction. Work never queues behind busy threads: it goes to an idle thread of its own, or
-// to a new one, so a callee stuck in one transaction never holds up another.
+// The threads a callee process handles its transactions on, as a device process has a bounded
+// IPC thread pool. A thread that finished its work takes the next or waits a while for more,
+// so a busy process does not pay for a new thread per transaction. Beyond MAX_THREADS work
+// queues for the next free thread; work that waited STUCK_GRACE gets a thread of its own, so
+// callees stuck in their transactions delay others by that much at most, never hold them.
 class IpcThreadPool {
 public:
-    // Idle threads kept at most, as many as a device process's IPC thread pool has.
-    static constexpr size_t MAX_IDLE_THREADS = 16;
+    static constexpr size_t MAX_THREADS = 16;
     static constexpr std::chrono::seconds IDLE_TIME{5};
+    static constexpr std::chrono::milliseconds STUCK_GRACE{100};
 
     static IpcThreadPool &Get();
 
-    // Runs `work` on an idle thread or a new one; false when no thread could be started.
+    // Runs `work` on a pool thread; false when it needed a new thread and none could be started.
     bool Run(std::function<void()> work);
 
 private:
+    using Clock = std::chrono::steady_clock;
+    struct Pending {
+        std::function<void()> work;
+        Clock::time_point queuedAt;
+    };
+
     IpcThreadPool() = default;
+    // Starts a thread that runs `work` first, if any; false when none could be started.
+    bool Start(std::function<void()> work);
     void Serve(std::function<void()> work);
-    // Waits for the next piece of work; empty once the thread should end.
+    // The next queued work, waiting for it while idle; empty once the thread should end.
     std::function<void()> NextWork();
+    // While work is queued: starts a thread for work queued longer than STUCK_GRACE.
+    void Watch();
 
     std::mutex mutex_;
     std::condition_variable workArrived_;
-    // Never longer than idle_: each piece of work here has an idle thread that will take it.
-    std::deque<std::function<void()>> pending_;
+    // Never notified: the watch only sleeps until the oldest work's grace ends, then looks again.
+    std::condition_variable watchTimer_;
+    std::deque<Pending> pending_;
+    size_t threads_ = 0; // serving threads, the watch not included
     size_t idle_ = 0;
+    bool watching_ = false;
 };
 } // namespace OHOS
 
