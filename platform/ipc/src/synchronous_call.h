@@ -9,8 +9,8 @@
 #include "message_parcel.h"
 
 namespace OHOS {
-// A synchronous call as two processes see it: the callee handles it on an IPC thread of its
-// own (from its pool), while the caller waits for the reply no longer than the option's wait time. A callee
+// A synchronous call as two processes see it: the callee handles it on one of its IPC threads,
+// while the caller waits for the reply no longer than the option's wait time. A callee
 // that takes longer goes on undisturbed; its late reply is dropped.
 class SynchronousCall {
 public:
