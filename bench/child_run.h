@@ -3,16 +3,14 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "run_result.h"
 
 namespace VornBench {
-// One change to the child's environment: set `value`, or remove the variable when it is null.
-struct EnvChange {
-    std::string name;
-    std::optional<std::string> value;
-};
+// One change to the child's environment: set the value, or remove the variable when it is null.
+using EnvChange = std::pair<std::string, std::optional<std::string>>;
 
 // Runs this program again as a child process with `arguments` and the environment changed as
 // asked, and reads the RunResult it prints as JSON on standard output. Each run thus has a

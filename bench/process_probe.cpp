@@ -1,45 +1,16 @@
 #include "process_probe.h"
 
-#include <fcntl.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
-#include <cstring>
 #include <thread>
-
-#include "unique_fd.h"
 
 namespace VornBench {
 namespace {
-constexpr size_t STATUS_BUFFER_SIZE = 4096;
-constexpr int DECIMAL = 10;
 constexpr std::chrono::milliseconds REST_INTERVAL(200);
 constexpr size_t REST_TOLERANCE_KIB = 64;
 } // namespace
-
-// Read often while a run is measured, so it stays cheap: one read, three lookups.
-ProcessStatus ProcessStatus::Read()
-{
-    ProcessStatus status;
-    VornTestbed::UniqueFd file(open("/proc/self/status", O_RDONLY | O_CLOEXEC));
-    char text[STATUS_BUFFER_SIZE];
-    ssize_t length = file.Valid() ? read(file.Get(), text, sizeof(text) - 1) : -1;
-    if (length <= 0) {
-        return status;
-    }
-    text[length] = '\0';
-    auto field = [&text](const char *key) -> size_t {
-        const char *found = std::strstr(text, key);
-        return found == nullptr ? 0 : std::strtoul(found + std::strlen(key), nullptr, DECIMAL);
-    };
-    status.threads = field("\nThreads:");
-    status.rssKib = field("\nVmRSS:");
-    status.hwmKib = field("\nVmHWM:");
-    return status;
-}
 
 ProcessStatus ReadAtRest(std::chrono::milliseconds limit)
 {

@@ -3,19 +3,13 @@
 
 #include <atomic>
 #include <chrono>
-#include <cstddef>
 #include <mutex>
 #include <thread>
 
-namespace VornBench {
-// This process's thread count and memory as /proc/self/status tells them.
-struct ProcessStatus {
-    size_t threads = 0;
-    size_t rssKib = 0;  // VmRSS
-    size_t hwmKib = 0;  // VmHWM: the most resident memory since the process started
+#include "process_status.h"
 
-    static ProcessStatus Read();
-};
+namespace VornBench {
+using VornTestbed::ProcessStatus;
 
 // Reads the status once resident memory has stopped moving (memory handed back to the system
 // after a burst goes in steps), or after `limit` at the latest.

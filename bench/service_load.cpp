@@ -13,12 +13,9 @@
 
 #include "bench_request.h"
 #include "ffrt_host.h"
-#include "iservice_registry.h"
-#include "local_ability_manager_host.h"
 #include "process_probe.h"
 #include "vorn_request_callback_stub.h"
 #include "vorn_sa_proxy.h"
-#include "vorn_sa.h"
 
 namespace VornBench {
 namespace {
@@ -70,22 +67,6 @@ struct ServiceLoad::Outcome {
     Clock::time_point firstCall {};
     Clock::time_point lastAnswer {};
 };
-
-OHOS::sptr<OHOS::IRemoteObject> ServiceLoad::StartService(std::string &error)
-{
-    if (!HostPlatform::LocalAbilityManager::GetInstance().StartAbility(OHOS::Vorn::VORN_SA_ID)) {
-        error = "the service library registered no system ability " + std::to_string(OHOS::Vorn::VORN_SA_ID);
-        return nullptr;
-    }
-    OHOS::sptr<OHOS::ISystemAbilityManager> manager =
-        OHOS::SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
-    OHOS::sptr<OHOS::IRemoteObject> service =
-        manager != nullptr ? manager->GetSystemAbility(OHOS::Vorn::VORN_SA_ID) : nullptr;
-    if (service == nullptr) {
-        error = "the service published no remote object";
-    }
-    return service;
-}
 
 ServiceLoad::ServiceLoad(OHOS::sptr<OHOS::IRemoteObject> service, LoadTarget target)
     : service_(OHOS::iface_cast<OHOS::Vorn::IVornSAInterface>(service)),

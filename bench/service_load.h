@@ -16,9 +16,6 @@ namespace VornBench {
 // threads each send a request and wait for its answer before sending the next.
 class ServiceLoad {
 public:
-    // Starts the system ability and looks up its remote object; null with `error` set on failure.
-    static OHOS::sptr<OHOS::IRemoteObject> StartService(std::string &error);
-
     ServiceLoad(OHOS::sptr<OHOS::IRemoteObject> service, LoadTarget target);
     RunResult Run();
 

@@ -20,6 +20,7 @@
 #include "load_options.h"
 #include "load_report.h"
 #include "local_https_server.h"
+#include "service_ability.h"
 #include "service_load.h"
 #include "stall_report.h"
 #include "temp_dir.h"
@@ -47,7 +48,7 @@ struct RunKind {
         result = BareLoad(target).Run();
     } else {
         std::string error;
-        OHOS::sptr<OHOS::IRemoteObject> service = ServiceLoad::StartService(error);
+        OHOS::sptr<OHOS::IRemoteObject> service = VornTools::StartServiceAbility(error);
         if (service == nullptr) {
             std::cerr << "vorn_load: " << error << "\n";
             std::exit(EXIT_BROKEN);

@@ -8,6 +8,7 @@ set(VORN_SERVICE_SOURCES
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/time_utils.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/path.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/file_utils.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/../utils/src/json_utils.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../utils/src/base_event.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../http/vorn_http_logic.cpp
   ${CMAKE_CURRENT_LIST_DIR}/../http/ca_store_cache.cpp

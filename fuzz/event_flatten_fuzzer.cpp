@@ -6,15 +6,7 @@
 #include <string>
 
 #include "base_event.h"
-#include "fuzz_environment.h"
-
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    (void)argc;
-    (void)argv;
-    VornFuzz::QuietService();
-    return 0;
-}
+#include "quiet_service_initialize.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

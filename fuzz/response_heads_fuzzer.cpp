@@ -11,7 +11,7 @@
 #include <fuzzer/FuzzedDataProvider.h>
 #include <nlohmann/json.hpp>
 
-#include "fuzz_environment.h"
+#include "quiet_service_initialize.h"
 #include "vorn_http_logic.h"
 #include "vorn_server_logic.h"
 
@@ -40,14 +40,6 @@ void CheckHeads(const VornInitConfigParser::VornRequestInfo &info, const std::st
     }
 }
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    (void)argc;
-    (void)argv;
-    VornFuzz::QuietService();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

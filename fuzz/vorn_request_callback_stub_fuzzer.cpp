@@ -18,7 +18,7 @@
 
 #include "ipc_types.h"
 #include "fuzz_choice.h"
-#include "fuzz_environment.h"
+#include "quiet_service_initialize.h"
 #include "message_option.h"
 #include "message_parcel.h"
 #include "vorn_request_callback_stub.h"
@@ -65,14 +65,6 @@ bool WriteToken(MessageParcel &data, Token token, FuzzedDataProvider &provider)
     std::abort();
 }
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    (void)argc;
-    (void)argv;
-    VornFuzz::QuietService();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

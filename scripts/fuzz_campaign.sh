@@ -47,17 +47,14 @@ for name in "${targets[@]}"; do
     fuzzer="$build_dir/fuzz/$name"
     seeds="$root/fuzz/corpus/$name"
     work="$campaign/$name"
-    rm -rf "$work"
-    mkdir -p "$work/corpus" "$seeds"
+    mkdir -p "$seeds"
     echo "fuzz_campaign: $name, $runs runs"
     start=$SECONDS
-    # Run from the empty working folder: the service reads its configuration relative to it,
-    # and must find none there. One process at nice 19 leaves the machine to everyone else.
+    # One process at nice 19 leaves the machine to everyone else.
     rc=0
-    (cd "$work" && nice -n 19 "$fuzzer" corpus "$seeds" -runs="$runs" -timeout=60 -rss_limit_mb=4096 \
-        -artifact_prefix="$work/" -print_final_stats=1 >"$work/log" 2>&1) || rc=$?
+    vorn_fuzz_run 19 "$fuzzer" "$work" "$seeds" -runs="$runs" || rc=$?
     seconds=$((SECONDS - start))
-    executed="$(sed -n 's/^stat::number_of_executed_units: *//p' "$work/log")"
+    executed="$(vorn_fuzz_executed "$work")"
     findings="$(find "$work" -maxdepth 1 -type f \( -name 'crash-*' -o -name 'leak-*' -o -name 'timeout-*' \
         -o -name 'oom-*' \) | wc -l)"
     if [ "$rc" -ne 0 ] && [ "$findings" -eq 0 ]; then
@@ -72,10 +69,7 @@ for name in "${targets[@]}"; do
     else
         failed=1
         echo "fuzz_campaign: $name stopped with a finding after ${executed:-?} runs; log: $work/log"
-        grep -E "^(==[0-9]+==ERROR|SUMMARY|.*runtime error)" "$work/log" | head -5 || true
-        for artifact in "$work"/crash-* "$work"/leak-* "$work"/timeout-* "$work"/oom-*; do
-            [ -e "$artifact" ] && echo "fuzz_campaign: replay with: (cd $work && $fuzzer $artifact)"
-        done
+        vorn_fuzz_report fuzz_campaign "$fuzzer" "$work"
     fi
     row="| $name | ${executed:-?} | $seconds | $findings | $(count_files "$work/corpus") | $before → $(count_files "$seeds") |"
     echo "$row" >>"$figures"

@@ -52,3 +52,50 @@ vorn_build_fuzzers()
         -DVORN_BUILD_FUZZ=ON -DVORN_BUILD_TESTS=OFF -DVORN_BUILD_BENCH=OFF
     vorn_logged "$dir/logs/build.log" nice -n 19 cmake --build "$dir" -j"$(vorn_jobs)" --target vorn_fuzzers
 }
+
+# Installs what is missing and configures the host build in BUILD_DIR (the build type from
+# VORN_BUILD_TYPE, RelWithDebInfo by default).
+#   vorn_configure_host BUILD_DIR
+vorn_configure_host()
+{
+    local dir="$1"
+    ./scripts/setup.sh
+    # shellcheck disable=SC2046
+    vorn_logged "$dir/logs/configure.log" cmake -S . -B "$dir" -G Ninja \
+        -DCMAKE_BUILD_TYPE="${VORN_BUILD_TYPE:-RelWithDebInfo}" $(vorn_launcher_args)
+}
+
+# Runs one libFuzzer target at nice level NICE from WORK, emptied first, on a fresh working
+# corpus (WORK/corpus) and the seeds in SEEDS, with the given options added; its output goes to
+# WORK/log, its findings to WORK/. Returns the fuzzer's exit status. The service reads its
+# configuration relative to the working folder, and must find none there.
+#   vorn_fuzz_run NICE FUZZER WORK SEEDS [OPTION...]
+vorn_fuzz_run()
+{
+    local nice="$1" fuzzer="$2" work="$3" seeds="$4"
+    shift 4
+    rm -rf "$work"
+    mkdir -p "$work/corpus"
+    (cd "$work" && nice -n "$nice" "$fuzzer" corpus "$seeds" -timeout=60 -rss_limit_mb=4096 \
+        -artifact_prefix="$work/" -print_final_stats=1 "$@" >"$work/log" 2>&1)
+}
+
+# The number of inputs the run in WORK executed, as its final statistics tell it.
+#   vorn_fuzz_executed WORK
+vorn_fuzz_executed()
+{
+    sed -n 's/^stat::number_of_executed_units: *//p' "$1/log"
+}
+
+# Prints what the run in WORK found: the sanitizer's summary lines, and how to replay each input
+# it kept, every line headed by TOOL.
+#   vorn_fuzz_report TOOL FUZZER WORK
+vorn_fuzz_report()
+{
+    local tool="$1" fuzzer="$2" work="$3"
+    grep -E "^(==[0-9]+==ERROR|SUMMARY|.*runtime error)" "$work/log" | head -5 || true
+    for artifact in "$work"/crash-* "$work"/leak-* "$work"/timeout-* "$work"/oom-*; do
+        [ -e "$artifact" ] && echo "$tool: replay with: (cd $work && $fuzzer $artifact)"
+    done
+    return 0
+}

@@ -24,21 +24,13 @@ failed=0
 for fuzzer in "$build_dir"/fuzz/*_fuzzer; do
     name="$(basename "$fuzzer")"
     work="$build_dir/fuzz-work/$name"
-    rm -rf "$work"
-    mkdir -p "$work/corpus"
-    # An empty working folder: the service reads its configuration relative to it, and must
-    # find none there.
     rc=0
-    (cd "$work" && "$fuzzer" corpus "$root/fuzz/corpus/$name" -max_total_time="$seconds" -timeout=60 \
-        -rss_limit_mb=4096 -artifact_prefix="$work/" -print_final_stats=1 >"$work/log" 2>&1) || rc=$?
-    runs="$(sed -n 's/^stat::number_of_executed_units: *//p' "$work/log")"
+    vorn_fuzz_run 0 "$fuzzer" "$work" "$root/fuzz/corpus/$name" -max_total_time="$seconds" || rc=$?
+    runs="$(vorn_fuzz_executed "$work")"
     if [ "$rc" -ne 0 ]; then
         failed=1
         echo "run_fuzz: $name FAILED after ${runs:-?} runs; log: $work/log"
-        grep -E "^(==[0-9]+==ERROR|SUMMARY|.*runtime error)" "$work/log" | head -5 || true
-        for artifact in "$work"/crash-* "$work"/leak-* "$work"/timeout-* "$work"/oom-*; do
-            [ -e "$artifact" ] && echo "run_fuzz: replay with: (cd $work && $fuzzer $artifact)"
-        done
+        vorn_fuzz_report run_fuzz "$fuzzer" "$work"
     else
         echo "run_fuzz: $name ok, ${runs:-?} runs in ${seconds}s"
     fi

@@ -7,11 +7,8 @@ cd "$(dirname "$0")/.."
 
 source scripts/lib.sh
 
-./scripts/setup.sh
 build_dir="${VORN_BUILD_DIR:-build}"
-# shellcheck disable=SC2046
-vorn_logged "$build_dir/logs/configure.log" cmake -S . -B "$build_dir" -G Ninja \
-    -DCMAKE_BUILD_TYPE="${VORN_BUILD_TYPE:-RelWithDebInfo}" $(vorn_launcher_args)
+vorn_configure_host "$build_dir"
 vorn_logged "$build_dir/logs/build.log" cmake --build "$build_dir" -j"$(vorn_jobs)"
 vorn_unset_proxies
 # Tests labelled "timing" hold a shared resource lock, so ctest runs them one at a time even

@@ -3,7 +3,6 @@
 #include <atomic>
 #include <chrono>
 #include <exception>
-#include <ios>
 #include <list>
 #include <utility>
 
@@ -11,7 +10,7 @@
 
 #include "callback_parcel_limit.h"
 #include "ffrt_inner.h"
-#include "file_utils.h"
+#include "json_utils.h"
 #include "string_utils.h"
 #include "time_utils.h"
 #include "vorn_error_code.h"
@@ -207,18 +206,17 @@ int32_t VornServerLogic::FailEarly(const std::string &message) const
 
 int32_t VornServerLogic::ParseDefaultConfigFile()
 {
-    std::string content;
-    if (FileUtils::ReadFile(SERVER_CONFIG_PATH, content, static_cast<uint32_t>(std::ios::in | std::ios::binary)) !=
-        0) {
+    nlohmann::json json;
+    JsonUtils::FileStatus status = JsonUtils::ReadFile(SERVER_CONFIG_PATH, json);
+    if (status == JsonUtils::FileStatus::UNREADABLE) {
         VORN_LOGE("VornServerLogic read the service configure failed");
         return ERR_FAILED;
     }
+    if (status == JsonUtils::FileStatus::MALFORMED) {
+        VORN_LOGE("VornServerLogic parse the service configure file failed.");
+        return ERR_FAILED;
+    }
     try {
-        if (!nlohmann::json::accept(content, false)) {
-            VORN_LOGE("VornServerLogic parse the service configure file failed.");
-            return ERR_FAILED;
-        }
-        nlohmann::json json = nlohmann::json::parse(content, nullptr, true, false);
         VornInitConfigParser::ServerConfig config;
         VornInitConfigParser::ServerConfigFromJson(json, config);
         for (std::string &url : config.qelBaseUrls) {

@@ -2,12 +2,14 @@
 
 #include <exception>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include <nlohmann/json.hpp>
 
 #include "accesstoken_kit.h"
 #include "ipc_skeleton.h"
+#include "json_utils.h"
 #include "omsa_util.h"
 #include "tokenid_kit.h"
 #include "vorn_error_code.h"
@@ -29,11 +31,6 @@ int32_t WriteParamError(MessageParcel &reply)
         return ERR_PARCEL_WRITE;
     }
     return ERR_PARCEL_READ_PARAM;
-}
-
-nlohmann::json ParseStrict(const std::string &text)
-{
-    return nlohmann::json::parse(text, nullptr, true, false);
 }
 } // namespace
 
@@ -106,14 +103,12 @@ int32_t VornSAStub::PostVornRequest(const std::string &paramStr, const sptr<IVor
     VORN_LOGI("VornSAStub::PostVornRequest in");
     VornInitConfigParser::VornRequestInfo info;
     try {
-        // One non-throwing parse answers both questions: a text that accept would refuse comes
-        // back discarded, so the JSON is read once on the IPC thread instead of twice.
-        nlohmann::json json = nlohmann::json::parse(paramStr, nullptr, false, false);
-        if (json.is_discarded()) {
+        std::optional<nlohmann::json> json = JsonUtils::Parse(paramStr);
+        if (!json) {
             VORN_LOGE("VornSAStub::PostVornRequest json accept failed");
             return ERR_PARCEL_READ_PARAM;
         }
-        VornInitConfigParser::FromJson(json, info);
+        VornInitConfigParser::FromJson(*json, info);
     } catch (const nlohmann::json::exception &) {
         VORN_LOGE("VornSAStub::PostVornRequest json parse failed");
         return ERR_PARCEL_READ_PARAM;
@@ -157,11 +152,12 @@ int32_t VornSAStub::HandleVornOmsaEvent(MessageParcel &data, MessageParcel &repl
     // Unlike a request, a malformed event leaves the reply empty.
     VornOmsaInfo::OmsaInfo omsaInfo;
     try {
-        if (!nlohmann::json::accept(paramStr, false)) {
+        std::optional<nlohmann::json> json = JsonUtils::Parse(paramStr);
+        if (!json) {
             VORN_LOGE("VornSAStub::VornOmsaEvent json accept failed");
             return ERR_PARCEL_READ_PARAM;
         }
-        VornOmsaInfo::FromJson(ParseStrict(paramStr), omsaInfo);
+        VornOmsaInfo::FromJson(*json, omsaInfo);
     } catch (const nlohmann::json::exception &) {
         VORN_LOGE("VornSAStub::VornOmsaEvent json parse failed");
         return ERR_PARCEL_READ_PARAM;

@@ -3,6 +3,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -18,11 +19,21 @@ using OHOS::AppExecFwk::EventQueue;
 using OHOS::AppExecFwk::EventRunner;
 using OHOS::AppExecFwk::InnerEvent;
 using Priority = EventQueue::Priority;
-using HostPlatform::EventRunnersIdle;
 using HostPlatform::EventRunnersWaitIdle;
 
 constexpr auto SETTLE_TIMEOUT = 30s;
 constexpr int64_t ONE_HOUR_MS = 3600 * 1000;
+
+bool Post(EventHandler &handler, const std::function<void()> &task, const std::string &name = "",
+    int64_t delayMs = 0, Priority priority = Priority::LOW)
+{
+    return handler.SendEvent(InnerEvent::Get(task, name), delayMs, priority);
+}
+
+bool EventRunnersIdle()
+{
+    return HostPlatform::EventRunnersWaitIdle(0ms);
+}
 
 // Holds a runner inside one task until Open(), so that everything sent meanwhile queues up.
 class RunnerGate {
@@ -32,7 +43,7 @@ public:
         std::shared_future<void> opened = gate_.get_future().share();
         auto started = std::make_shared<std::promise<void>>();
         std::future<void> running = started->get_future();
-        handler.PostTask([opened, started] {
+        Post(handler, [opened, started] {
             started->set_value();
             opened.wait();
         });
@@ -72,12 +83,12 @@ protected:
 TEST_F(EventHandlerTest, DueEventsRunByPriorityThenInSendOrder)
 {
     RunnerGate gate(*handler_);
-    handler_->PostTask(Record("low-1"), "", 0, Priority::LOW);
-    handler_->PostTask(Record("idle"), "", 0, Priority::IDLE);
-    handler_->PostTask(Record("high"), "", 0, Priority::HIGH);
-    handler_->PostTask(Record("low-2"), "", 0, Priority::LOW);
-    handler_->PostTask(Record("vip"), "", 0, Priority::VIP);
-    handler_->PostTask(Record("immediate"), "", 0, Priority::IMMEDIATE);
+    Post(*handler_, Record("low-1"), "", 0, Priority::LOW);
+    Post(*handler_, Record("idle"), "", 0, Priority::IDLE);
+    Post(*handler_, Record("high"), "", 0, Priority::HIGH);
+    Post(*handler_, Record("low-2"), "", 0, Priority::LOW);
+    Post(*handler_, Record("vip"), "", 0, Priority::VIP);
+    Post(*handler_, Record("immediate"), "", 0, Priority::IMMEDIATE);
     gate.Open();
     ASSERT_TRUE(EventRunnersWaitIdle(SETTLE_TIMEOUT));
     EXPECT_EQ(order_, (std::vector<std::string> {"vip", "immediate", "high", "low-1", "low-2", "idle"}));
@@ -86,12 +97,13 @@ TEST_F(EventHandlerTest, DueEventsRunByPriorityThenInSendOrder)
 TEST_F(EventHandlerTest, DelayedEventsRunInDueOrderNeverEarlyWhateverTheirPriority)
 {
     using Clock = InnerEvent::Clock;
-    handler_->PostTask(Record("vip-in-an-hour"), "later", ONE_HOUR_MS, Priority::VIP);
-    handler_->PostTask(Record("vip-at-the-end-of-time"), "later", std::numeric_limits<int64_t>::max(), Priority::VIP);
+    Post(*handler_, Record("vip-in-an-hour"), "later", ONE_HOUR_MS, Priority::VIP);
+    Post(*handler_, Record("vip-at-the-end-of-time"), "later", std::numeric_limits<int64_t>::max(), Priority::VIP);
     Clock::time_point sentAt = Clock::now();
     std::vector<std::pair<int64_t, Clock::duration>> runs;
     for (int64_t delayMs : {150, 50, 100}) {
-        handler_->PostTask([&runs, delayMs, sentAt] { runs.emplace_back(delayMs, Clock::now() - sentAt); }, delayMs);
+        Post(*handler_, [&runs, delayMs, sentAt] { runs.emplace_back(delayMs, Clock::now() - sentAt); }, "",
+            delayMs);
     }
     ASSERT_FALSE(EventRunnersWaitIdle(1s)) << "the events due later are still pending";
     handler_->RemoveTask("later");
@@ -110,12 +122,11 @@ TEST_F(EventHandlerTest, RemoveTaskDropsEveryPendingTaskOfThatNameOfThisHandlerO
     auto other = std::make_shared<EventHandler>(runner_);
     {
         RunnerGate gate(*handler_);
-        handler_->PostTask(Record("a-1"), "a");
-        handler_->PostTask(Record("b"), "b");
-        handler_->PostTask(Record("a-2"), "a", 10);
-        other->PostTask(Record("other-a"), "a");
-        EXPECT_EQ(handler_->RemoveTaskWithRet("a"), OHOS::ERR_OK);
-        EXPECT_NE(handler_->RemoveTaskWithRet("a"), OHOS::ERR_OK);
+        Post(*handler_, Record("a-1"), "a");
+        Post(*handler_, Record("b"), "b");
+        Post(*handler_, Record("a-2"), "a", 10);
+        Post(*other, Record("other-a"), "a");
+        handler_->RemoveTask("a");
     }
     ASSERT_TRUE(EventRunnersWaitIdle(SETTLE_TIMEOUT));
     EXPECT_EQ(order_, (std::vector<std::string> {"b", "other-a"}));
@@ -123,14 +134,14 @@ TEST_F(EventHandlerTest, RemoveTaskDropsEveryPendingTaskOfThatNameOfThisHandlerO
 
 TEST_F(EventHandlerTest, OnlyOwnedAttachedHandlersQueueAndDestroyingOneDropsItsEvents)
 {
-    EXPECT_FALSE(std::make_shared<EventHandler>()->PostTask([] {}));
+    EXPECT_FALSE(Post(*std::make_shared<EventHandler>(), [] {}));
     EventHandler unowned(runner_);
-    EXPECT_FALSE(unowned.PostTask([] {}));
+    EXPECT_FALSE(Post(unowned, [] {}));
     EXPECT_TRUE(EventRunnersIdle());
     auto shortLived = std::make_shared<EventHandler>(runner_);
     auto token = std::make_shared<int>(0);
     std::weak_ptr<int> captured = token;
-    shortLived->PostTask([token] {}, "", ONE_HOUR_MS);
+    Post(*shortLived, [token] {}, "", ONE_HOUR_MS);
     token.reset();
     EXPECT_FALSE(EventRunnersIdle());
     shortLived.reset();
@@ -138,67 +149,22 @@ TEST_F(EventHandlerTest, OnlyOwnedAttachedHandlersQueueAndDestroyingOneDropsItsE
     EXPECT_TRUE(captured.expired());
 }
 
-TEST_F(EventHandlerTest, IdEventsReachProcessEventWithTheirData)
+TEST(EventRunnerTest, DepositedRunnerRefusesRunAndStopAndACallerDrivenOneRunsUntilStopped)
 {
-    struct Recorder : EventHandler {
-        using EventHandler::EventHandler;
-        void ProcessEvent(const InnerEvent::Pointer &event) override
-        {
-            id = event->GetInnerEventId();
-            param = event->GetParam();
-            text = event->GetSharedObject<std::string>();
-        }
-        uint32_t id = 0;
-        int64_t param = 0;
-        std::shared_ptr<std::string> text;
-    };
-    auto recorder = std::make_shared<Recorder>(runner_);
-    InnerEvent::Pointer event = InnerEvent::Get(7, std::make_shared<std::string>("payload"), 42);
-    ASSERT_TRUE(recorder->SendSyncEvent(event));
-    EXPECT_EQ(recorder->id, 7U);
-    EXPECT_EQ(recorder->param, 42);
-    ASSERT_NE(recorder->text, nullptr);
-    EXPECT_EQ(*recorder->text, "payload");
-}
+    auto deposited = EventRunner::Create(true);
+    EXPECT_EQ(deposited->Run(), OHOS::AppExecFwk::EVENT_HANDLER_ERR_RUNNER_NO_PERMIT);
+    EXPECT_EQ(deposited->Stop(), OHOS::AppExecFwk::EVENT_HANDLER_ERR_RUNNER_NO_PERMIT);
 
-TEST_F(EventHandlerTest, IdleQueriesFollowPendingAndRunningEvents)
-{
-    ASSERT_TRUE(EventRunnersWaitIdle(SETTLE_TIMEOUT));
-    {
-        RunnerGate gate(*handler_);
-        EXPECT_FALSE(handler_->IsIdle());
-        EXPECT_FALSE(EventRunnersIdle());
-        EXPECT_FALSE(EventRunnersWaitIdle(20ms));
-    }
-    EXPECT_TRUE(EventRunnersWaitIdle(SETTLE_TIMEOUT));
-    EXPECT_TRUE(handler_->IsIdle());
-}
-
-TEST(EventRunnerTest, DepositedRunnerOwnsItsThreadAndRefusesRunAndStop)
-{
-    auto runner = EventRunner::Create("vorn-worker-thread-name");
-    EXPECT_EQ(runner->Run(), OHOS::AppExecFwk::EVENT_HANDLER_ERR_RUNNER_NO_PERMIT);
-    EXPECT_EQ(runner->Stop(), OHOS::AppExecFwk::EVENT_HANDLER_ERR_RUNNER_NO_PERMIT);
-    EXPECT_FALSE(runner->IsCurrentRunnerThread());
-
-    auto handler = std::make_shared<EventHandler>(runner);
-    std::shared_ptr<EventRunner> current;
-    bool onRunnerThread = false;
-    ASSERT_TRUE(handler->PostSyncTask([&] {
-        current = EventRunner::Current();
-        onRunnerThread = runner->IsCurrentRunnerThread();
-    }));
-    EXPECT_EQ(current, runner);
-    EXPECT_TRUE(onRunnerThread);
-    current.reset();
-
-    // Once the loop has let go of the handler it served, the test holds the last references and
-    // the runner's destructor joins its thread, which lets go of the queue as it ends.
-    ASSERT_TRUE(EventRunnersWaitIdle(SETTLE_TIMEOUT));
-    std::weak_ptr<EventQueue> queue = runner->GetEventQueue();
-    handler.reset();
-    runner.reset();
-    EXPECT_TRUE(queue.expired());
+    auto driven = EventRunner::Create(false);
+    auto handler = std::make_shared<EventHandler>(driven);
+    std::thread::id ranOn;
+    Post(*handler, [&ranOn, &driven] {
+        ranOn = std::this_thread::get_id();
+        EXPECT_EQ(driven->Run(), OHOS::AppExecFwk::EVENT_HANDLER_ERR_RUNNER_ALREADY);
+        driven->Stop();
+    });
+    EXPECT_EQ(driven->Run(), OHOS::ERR_OK);
+    EXPECT_EQ(ranOn, std::this_thread::get_id());
 }
 
 TEST(EventRunnerTest, LastReferenceDroppedOnTheRunnerThreadEndsItQuietly)
@@ -207,11 +173,10 @@ TEST(EventRunnerTest, LastReferenceDroppedOnTheRunnerThreadEndsItQuietly)
     auto handler = std::make_shared<EventHandler>(runner);
     std::promise<void> gate;
     std::shared_future<void> opened = gate.get_future().share();
-    handler->PostTask([handler, opened] { opened.wait(); });
+    Post(*handler, [handler, opened] { opened.wait(); });
     handler.reset();
     runner.reset();
     gate.set_value();
     EXPECT_TRUE(EventRunnersWaitIdle(SETTLE_TIMEOUT));
 }
-
 } // namespace

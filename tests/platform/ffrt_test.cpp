@@ -3,9 +3,7 @@
 #include <condition_variable>
 #include <cerrno>
 #include <cstdint>
-#include <cstring>
 #include <exception>
-#include <fstream>
 #include <future>
 #include <memory>
 #include <mutex>
@@ -19,6 +17,7 @@
 #include "ffrt.h"
 #include "ffrt_host.h"
 #include "ffrt_inner.h"
+#include "process_status.h"
 
 namespace {
 using namespace std::chrono_literals;
@@ -103,25 +102,13 @@ TEST(FfrtPoolTest, TasksWaitingInRuntimePrimitivesGiveTheirWorkersBack)
     EXPECT_LE(HostPlatform::FfrtPeakWorkerCount(), HostPlatform::FfrtWorkerThreadLimit());
 }
 
-size_t ProcessThreads()
-{
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind("Threads:", 0) == 0) {
-            return std::stoul(line.substr(std::strlen("Threads:")));
-        }
-    }
-    return 0;
-}
-
 // Suspended tasks hold no thread: with far more tasks waiting at once than the thread limit,
 // the process keeps to the limit plus the runtime's timer and the test's own thread.
 TEST(FfrtPoolTest, SuspendedTasksHoldNoThread)
 {
     constexpr size_t waiting = 300;
     ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
-    const size_t threadsBefore = ProcessThreads();
+    const size_t threadsBefore = VornTestbed::ProcessStatus::Read().threads;
     const size_t workersBefore = HostPlatform::FfrtWorkerCount();
     ffrt::mutex mutex;
     ffrt::condition_variable opened;
@@ -140,7 +127,7 @@ TEST(FfrtPoolTest, SuspendedTasksHoldNoThread)
     }
     EXPECT_GE(HostPlatform::FfrtSuspendedTaskCount(), waiting);
     EXPECT_LE(HostPlatform::FfrtWorkerCount(), HostPlatform::FfrtWorkerThreadLimit());
-    EXPECT_LE(ProcessThreads(), threadsBefore + HostPlatform::FfrtWorkerThreadLimit() - workersBefore + 1);
+    EXPECT_LE(VornTestbed::ProcessStatus::Read().threads, threadsBefore + HostPlatform::FfrtWorkerThreadLimit() - workersBefore + 1);
     for (ffrt::future<void> &sleeper : sleepers) {
         sleeper.get();
     }
@@ -403,46 +390,6 @@ TEST(FfrtQueueTest, SerialQueueRunsOneTaskAtATimeInSubmissionOrder)
     EXPECT_EQ(maxInFlight.load(), 1);
 }
 
-TEST(FfrtQueueTest, SubmitHeadGoesBeforeWaitingTasks)
-{
-    BlockedQueue queue("head");
-    std::vector<char> order;
-    ffrt_queue_submit(queue.Get(), QueueFunction([&order] { order.push_back('a'); }), nullptr);
-    ffrt_queue_submit(queue.Get(), QueueFunction([&order] { order.push_back('b'); }), nullptr);
-    ffrt_queue_submit_head(queue.Get(), QueueFunction([&order] { order.push_back('h'); }), nullptr);
-    queue.Open();
-    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
-    EXPECT_EQ(order, (std::vector<char> {'h', 'a', 'b'}));
-}
-
-TEST(FfrtQueueTest, CancelRemovesOnlyTasksNotYetStarted)
-{
-    BlockedQueue queue("cancel");
-    std::atomic<bool> ranA {false};
-    std::atomic<bool> ranB {false};
-    auto token = std::make_shared<int>(0);
-    std::weak_ptr<int> capturedByA = token;
-    ffrt_task_handle_t a = ffrt_queue_submit_h(queue.Get(), QueueFunction([&ranA, token] { ranA = true; }), nullptr);
-    token.reset();
-    ffrt_task_handle_t b = ffrt_queue_submit_h(queue.Get(), QueueFunction([&ranB] { ranB = true; }), nullptr);
-    EXPECT_EQ(ffrt_queue_get_task_cnt(queue.Get()), 2U);
-
-    EXPECT_EQ(ffrt_queue_cancel(a), 0);
-    EXPECT_TRUE(capturedByA.expired()) << "a cancelled task's function is destroyed at once";
-    EXPECT_EQ(ffrt_queue_get_task_cnt(queue.Get()), 1U);
-    EXPECT_NE(ffrt_queue_cancel(a), 0);
-    EXPECT_NE(ffrt_queue_cancel(queue.Blocker()), 0) << "a running task cannot be cancelled";
-
-    queue.Open();
-    ffrt_queue_wait(b);
-    ffrt_queue_wait(a);
-    EXPECT_TRUE(ranB.load());
-    EXPECT_FALSE(ranA.load());
-    EXPECT_NE(ffrt_queue_cancel(b), 0);
-    ffrt_task_handle_destroy(a);
-    ffrt_task_handle_destroy(b);
-}
-
 TEST(FfrtQueueTest, DestroyDropsWaitingTasksAndWaitsForTheRunningOne)
 {
     ffrt_queue_t queue = ffrt_queue_create(ffrt_queue_serial, "destroy", nullptr);
@@ -484,29 +431,6 @@ TEST(FfrtQueueTest, DestroyFromTheQueuesOwnTaskReturns)
     ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
     EXPECT_TRUE(destroyed.load());
     EXPECT_FALSE(ranPending.load());
-}
-
-TEST(FfrtQueueTest, ConcurrentQueueHonoursItsConcurrencyLimit)
-{
-    ffrt_queue_attr_t attr;
-    ffrt_queue_attr_init(&attr);
-    ffrt_queue_attr_set_max_concurrency(&attr, 2);
-    ffrt_queue_t queue = ffrt_queue_create(ffrt_queue_concurrent, "wide", &attr);
-    ffrt_queue_attr_destroy(&attr);
-    std::atomic<int> inFlight {0};
-    std::atomic<int> maxInFlight {0};
-    for (int i = 0; i < 20; ++i) {
-        ffrt_queue_submit(queue, QueueFunction([&] {
-            int now = ++inFlight;
-            maxInFlight = std::max(maxInFlight.load(), now);
-            std::this_thread::sleep_for(2ms);
-            --inFlight;
-        }), nullptr);
-    }
-    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
-    ffrt_queue_destroy(queue);
-    EXPECT_GE(maxInFlight.load(), 1);
-    EXPECT_LE(maxInFlight.load(), 2);
 }
 
 TEST(FfrtHostTest, IdleOnlyWhenNothingIsQueuedRunningOrDelayed)

@@ -61,13 +61,4 @@ TEST(NetConnClientTest, MalformedSettingFailsAndLeavesTheOutputAlone)
         EXPECT_EQ(proxy, Sentinel()) << setting;
     }
 }
-
-TEST(HttpProxyTest, ToStringAndFromStringRoundTrip)
-{
-    HttpProxy proxy("https://proxy.local", 3129, {"a", "b"});
-    EXPECT_EQ(proxy.ToString(), "https://proxy.local:3129;a,b");
-    EXPECT_EQ(HttpProxy::FromString(proxy.ToString()), proxy);
-    EXPECT_EQ(HttpProxy("h", 1, {}).ToString(), "h:1");
-    EXPECT_FALSE(HttpProxy::FromString("no-port").has_value());
-}
 } // namespace

@@ -61,26 +61,6 @@ TEST(RefBaseTest, LastStrongReferenceDestroysObjectAndThenPromoteFails)
     EXPECT_EQ(copy.promote(), nullptr);
 }
 
-TEST(RefBaseTest, ExtendedLifetimeFollowsWeakReferences)
-{
-    Events events;
-    wptr<Tracked> weak;
-    {
-        sptr<Tracked> strong = new Tracked(events, true);
-        weak = strong;
-    }
-    EXPECT_EQ(events.lastStrong, 1);
-    EXPECT_EQ(events.destroyed, 0);
-    sptr<Tracked> revived = weak.promote();
-    ASSERT_NE(revived, nullptr);
-    EXPECT_EQ(events.firstStrong, 2);
-    revived = nullptr;
-    weak = nullptr;
-    EXPECT_EQ(events.destroyed, 1);
-}
-
-// A promotion racing with the last release either wins (and keeps the object alive) or fails;
-// the object is destroyed exactly once either way.
 TEST(RefBaseTest, PromoteRacingWithLastReleaseNeverResurrects)
 {
     for (int round = 0; round < 2000; ++round) {

@@ -83,38 +83,6 @@ TEST_F(CaStoreCacheTest, VerifiesThroughOneStorePerFileVersion)
     EXPECT_EQ(server_->RequestCount("/x"), 3u);
 }
 
-// The first transfer leaves a resumable TLS session behind; a store that does not trust the
-// server must not get past verification by resuming it.
-TEST_F(CaStoreCacheTest, CertificateFromAnotherCaFailsAlsoAfterATrustedSession)
-{
-    auto other = VornTestbed::MakeCertificateFiles(dir_.Path("other"));
-    ASSERT_TRUE(other.has_value());
-
-    EXPECT_EQ(Post(files_.caFile, Url("/x")), 200);
-    EXPECT_EQ(Post(other->caFile, Url("/x")), -1);
-    EXPECT_EQ(Post(other->caFile, Url("/x")), -1);
-    EXPECT_EQ(server_->RequestCount("/x"), 1u);
-}
-
-TEST_F(CaStoreCacheTest, FollowsAReplacedCaFile)
-{
-    const std::string trusted = FreshCopyOfCa("trust/ca.pem");
-    ASSERT_EQ(Post(trusted, Url("/x")), 200);
-
-    auto newFiles = VornTestbed::MakeCertificateFiles(dir_.Path("new"));
-    ASSERT_TRUE(newFiles.has_value());
-    VornTestbed::LocalHttpsServer newServer(VornTestbed::ServerOptions::Tls(*newFiles));
-    ASSERT_TRUE(newServer.Start());
-    newServer.Respond("/x", HttpResponse::Text(200, "new"));
-    const std::string staged = dir_.WriteFile("trust/ca.pem.new", ReadFile(newFiles->caFile));
-    ASSERT_EQ(std::rename(staged.c_str(), trusted.c_str()), 0);
-
-    const uint64_t before = Loads();
-    EXPECT_EQ(Post(trusted, newServer.BaseUrl() + "/x"), 200);
-    EXPECT_EQ(Post(trusted, Url("/x")), -1);
-    EXPECT_EQ(Loads(), before + 1);
-}
-
 // Regular files the cache cannot use are left to libcurl, which reports them as it always did.
 TEST_F(CaStoreCacheTest, UnusableCaFilesAreLeftToLibcurl)
 {

@@ -1,4 +1,4 @@
-#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <future>
 #include <memory>
@@ -30,7 +30,6 @@ constexpr auto SETTLE_TIMEOUT = 10s;
 
 TEST(FFRTExecutorTest, NormalSubmitRunsTasksConcurrentlyWithoutHandles)
 {
-    HostPlatform::LogCapture capture;
     FFRTExecutor executor("normal", Mode::NORMAL_SUBMIT);
     // The first task can only succeed if the second one runs beside it.
     std::promise<void> second;
@@ -42,51 +41,37 @@ TEST(FFRTExecutorTest, NormalSubmitRunsTasksConcurrentlyWithoutHandles)
     EXPECT_TRUE(first.get_future().get());
     ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
     EXPECT_EQ(executor.PendingHandleCount(), 0);
-
-    const auto records = capture.Records();
-    ASSERT_EQ(records.size(), 7U);
-    EXPECT_EQ(records[0].text, "created. mode:NORMAL_SUBMIT. name:normal");
-    EXPECT_EQ(records[0].level, LOG_INFO);
-    EXPECT_EQ(records[0].tag, "VornCommon");
-    for (const char *line : {"[NORMAL_SUBMIT]submit, taskName:first", "start. taskName:second", "done. taskName:first"}) {
-        EXPECT_EQ(capture.Count(line), 1U) << line;
-    }
 }
 
 TEST(FFRTExecutorTest, EventHandlerRunsOneAtATimeInOrderAndForgetsFinishedTasks)
 {
-    HostPlatform::LogCapture capture;
     FFRTExecutor executor("serial", Mode::EVENT_HANDLER);
-    EXPECT_TRUE(capture.Contains("created. mode:EVENT_HANDLER. name:serial"));
     // Held until every task is posted: a task that finishes before its handle is stored leaves
     // the handle behind.
     VornTest::TaskGate gate;
     executor.PostTaskDelay(gate.Blocker(), "blocker", 0);
     std::mutex mutex;
     std::vector<int> order;
-    int inFlight = 0;
-    int maxInFlight = 0;
+    std::atomic<int> inFlight {0};
+    std::atomic<bool> overlapped {false};
     for (int i = 0; i < 20; ++i) {
         executor.PostTaskDelay([&, i] {
-            std::unique_lock<std::mutex> lock(mutex);
-            maxInFlight = std::max(maxInFlight, ++inFlight);
-            lock.unlock();
+            overlapped = overlapped || inFlight.fetch_add(1) != 0;
             std::this_thread::yield();
-            lock.lock();
+            std::lock_guard<std::mutex> lock(mutex);
             order.push_back(i);
-            --inFlight;
+            inFlight.fetch_sub(1);
         }, "t" + std::to_string(i), 0);
     }
     gate.Open();
     ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
     EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
     EXPECT_EQ(order.size(), 20U);
-    EXPECT_EQ(maxInFlight, 1);
+    EXPECT_FALSE(overlapped);
     EXPECT_EQ(executor.PendingHandleCount(), 0);
-    EXPECT_EQ(capture.Count("[EVENT_HANDLER]submit, taskName:t7"), 1U);
 }
 
-TEST(FFRTExecutorTest, HandlesAreKeyedByNameWhilePostTaskAndRemoveTaskDoNothing)
+TEST(FFRTExecutorTest, HandlesAreKeyedByNameAndRemoveTaskDoesNothing)
 {
     HostPlatform::LogCapture capture;
     FFRTExecutor executor("names", Mode::EVENT_HANDLER);
@@ -98,11 +83,8 @@ TEST(FFRTExecutorTest, HandlesAreKeyedByNameWhilePostTaskAndRemoveTaskDoNothing)
     executor.PostTaskDelay([&runs] { ++runs; }, "a", 0);
     EXPECT_EQ(executor.PendingHandleCount(), 2); // "blocker" and one "a"
     executor.RemoveTask("a");
-    executor.PostTask([&runs] { runs += 100; }, "dropped");
-    EXPECT_EQ(capture.CountContaining("taskName:dropped"), 0U);
 
     // A throwing task leaves RunTask without its "done." line and without forgetting its name.
-    capture.Clear();
     EXPECT_THROW(executor.RunTask([] { throw std::runtime_error("task failed"); }, "a"), std::runtime_error);
     EXPECT_TRUE(capture.Contains("start. taskName:a"));
     EXPECT_FALSE(capture.Contains("done. taskName:a"));
@@ -158,11 +140,7 @@ TEST(FFRTExecutorTest, BrokenRuntimeDropsDelayedTasks)
     EXPECT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
     EXPECT_FALSE(ran);
     EXPECT_EQ(executor.PendingHandleCount(), 0);
-    EXPECT_EQ(capture.Count("FFRT is broken! Abort PostDelayTask."), 2U);
-    const auto records = capture.Records(); // created, submit, abort, ...
-    ASSERT_GE(records.size(), 3U);
-    EXPECT_EQ(records[2].level, LOG_ERROR);
-    EXPECT_EQ(records[2].tag, "VornCommon");
+    EXPECT_TRUE(capture.Contains("FFRT is broken! Abort PostDelayTask."));
 }
 
 TEST(FFRTExecutorDeathTest, BrokenRuntimeEndsTheProcessForImmediateTasks)

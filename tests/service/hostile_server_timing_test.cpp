@@ -10,6 +10,7 @@
 #include "gzip_encoder.h"
 #include "hostile_server_fixture.h"
 #include "log_lines.h"
+#include "process_status.h"
 
 // Hostile servers that cost real time or real memory: one that trickles its body a byte a
 // second, and ones that send far more than a response can carry, plainly or as a gzip bomb.
@@ -27,18 +28,6 @@ using namespace std::chrono_literals;
 using VornTestbed::HttpResponse;
 using Json = nlohmann::json;
 using Clock = std::chrono::steady_clock;
-
-// A field of /proc/self/status in KiB ("VmHWM", "VmRSS"), or 0.
-uint64_t StatusKiB(const std::string &field)
-{
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.rfind(field + ":", 0) == 0) {
-            return std::stoull(line.substr(field.size() + 1));
-        }
-    }
-    return 0;
-}
 
 // Lowers the peak (VmHWM) to the present resident size, so that the next peak is this test's.
 void ResetPeakMemory()
@@ -83,12 +72,12 @@ TEST_F(HostileServerTimingTest, TricklingBodyEndsAtTheTenSecondTransferLimit)
 // whatever the server sends, and the client gets one failure instead of an empty string.
 void HostileServerTimingTest::ExpectTooLargeInLittleMemory(const std::string &path, const char *what)
 {
-    const uint64_t before = StatusKiB("VmRSS");
+    const uint64_t before = VornTestbed::ProcessStatus::Read().rssKib;
     ResetPeakMemory();
 
     const Outcome outcome = Run(Request({Url(path)}));
 
-    const uint64_t peak = StatusKiB("VmHWM");
+    const uint64_t peak = VornTestbed::ProcessStatus::Read().hwmKib;
     std::cout << what << ": resident " << before << " KiB before, peak " << peak << " KiB\n";
     RecordProperty("peak_kib_above_idle", std::to_string(peak - before));
 #ifndef VORN_SANITIZED_BUILD

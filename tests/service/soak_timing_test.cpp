@@ -2,7 +2,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <string>
 #include <thread>
@@ -15,6 +14,7 @@
 #include "ffrt_host.h"
 #include "https_fixture.h"
 #include "ipc_host.h"
+#include "process_status.h"
 #include "response_recorder.h"
 #include "raw_service_client.h"
 #include "vorn_sa.h"
@@ -32,24 +32,13 @@ namespace {
 using namespace std::chrono_literals;
 using OHOS::sptr;
 using VornTestbed::HttpResponse;
+using VornTestbed::ProcessStatus;
 using Json = nlohmann::json;
 
 size_t EnvCount(const char *name, size_t fallback)
 {
     const char *text = std::getenv(name);
     return text != nullptr && std::atoi(text) > 0 ? static_cast<size_t>(std::atoi(text)) : fallback;
-}
-
-// Threads of this process, as the kernel counts them.
-size_t ProcessThreads()
-{
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.rfind("Threads:", 0) == 0) {
-            return std::stoul(line.substr(8));
-        }
-    }
-    return 0;
 }
 
 // One kind of request: its URLs and the responses it must get, as (code, body) in any order.
@@ -126,7 +115,7 @@ TEST_F(SoakTimingTest, EveryRequestGetsThePredictedResponsesAndThreadsGoBackToBa
     // they count as started from the outset.
     const size_t workersNow = HostPlatform::FfrtWorkerCount();
     const size_t baselineWorkers = std::max<size_t>({workersNow, 2, std::thread::hardware_concurrency()});
-    const size_t baselineThreads = ProcessThreads() + (baselineWorkers - workersNow);
+    const size_t baselineThreads = ProcessStatus::Read().threads + (baselineWorkers - workersNow);
 
     std::vector<sptr<VornTest::ResponseRecorder>> recorders(total);
     std::atomic<size_t> next{0};
@@ -171,11 +160,11 @@ TEST_F(SoakTimingTest, EveryRequestGetsThePredictedResponsesAndThreadsGoBackToBa
     server_->Stop();
     const size_t settledThreads = baselineThreads + 2;
     const auto deadline = std::chrono::steady_clock::now() + 30s;
-    while ((ProcessThreads() > settledThreads || HostPlatform::FfrtWorkerCount() > baselineWorkers) &&
+    while ((ProcessStatus::Read().threads > settledThreads || HostPlatform::FfrtWorkerCount() > baselineWorkers) &&
         std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(100ms);
     }
     EXPECT_LE(HostPlatform::FfrtWorkerCount(), baselineWorkers);
-    EXPECT_LE(ProcessThreads(), settledThreads);
+    EXPECT_LE(ProcessStatus::Read().threads, settledThreads);
 }
 } // namespace

@@ -96,15 +96,4 @@ TEST_F(TransferLoopTest, AHandleTheLoopCannotTakeIsReportedNotRun)
     server_->Respond("/after", HttpResponse::Text(200, "after"));
     EXPECT_EQ(Post(Request({}), Url("/after")).body, "after");
 }
-
-TEST_F(TransferLoopTest, AFailedTransferIsLoggedWithItsLibcurlCode)
-{
-    HostPlatform::LogCapture logs;
-    const std::string closedPort = "https://127.0.0.1:1/x";
-
-    EXPECT_EQ(Post(Request({}), closedPort).status, -1);
-    EXPECT_EQ(VornTest::ServiceLines(logs, LOG_INFO,
-        "Failed to access the server, code = " + std::to_string(CURLE_COULDNT_CONNECT)), 1u);
-    EXPECT_EQ(VornTest::ServiceLines(logs, LOG_INFO, "HttpLogic::PostHttpsRequest out"), 0u);
-}
 } // namespace

@@ -208,6 +208,9 @@ TEST(TrustSharesTest, KeepsEightContextsButNeverDropsOneInUse)
         shares.Release(context);
     }
     EXPECT_EQ(shares.Size(), TrustShares::MAX_CONTEXTS);
+    // A release too many, or of a context never held, must not free a held context for dropping.
+    shares.Release("idle11");
+    shares.Release("never-held");
     EXPECT_EQ(shares.Hold("held"), held);
     EXPECT_NE(shares.Hold("idle11"), nullptr);
 }

@@ -42,12 +42,14 @@ TEST(VornDumperTest, WithoutOptionsShowsStateGaugesAndEveryCounter)
 TEST(VornDumperTest, ResponsesAreCountedByCodeClass)
 {
     const uint64_t ok = VornMetrics::Get(VornMetrics::Counter::RESPONSES_2XX);
+    const uint64_t moved = VornMetrics::Get(VornMetrics::Counter::RESPONSES_3XX);
     const uint64_t client = VornMetrics::Get(VornMetrics::Counter::RESPONSES_4XX);
     const uint64_t failed = VornMetrics::Get(VornMetrics::Counter::RESPONSES_FAILED);
-    for (int64_t code : {200, 204, 404, -1, 0, 999}) {
+    for (int64_t code : {200, 204, 301, 404, -1, 0, 999}) {
         VornMetrics::CountResponse(code);
     }
     EXPECT_EQ(VornMetrics::Get(VornMetrics::Counter::RESPONSES_2XX), ok + 2);
+    EXPECT_EQ(VornMetrics::Get(VornMetrics::Counter::RESPONSES_3XX), moved + 1);
     EXPECT_EQ(VornMetrics::Get(VornMetrics::Counter::RESPONSES_4XX), client + 1);
     EXPECT_EQ(VornMetrics::Get(VornMetrics::Counter::RESPONSES_FAILED), failed + 3);
 }

@@ -24,6 +24,7 @@ namespace {
 constexpr int32_t REPEATED_START_ID = 66101;
 constexpr int32_t STOP_ID = 66102;
 constexpr int32_t FAILED_PUBLISH_ID = 66103;
+constexpr int32_t BAD_DUMP_ID = 66105;
 
 sptr<ISystemAbilityManager> Samgr()
 {
@@ -105,12 +106,12 @@ TEST(VornSATest, FailedPublishLeavesTheServiceStoppedUntilTheNextStart)
     EXPECT_EQ(logs.Count("Start VORN service success."), 1u);
     EXPECT_FALSE(logs.Contains("VORN SA is already running."));
 }
-
-TEST(VornSATest, OnlySuccessHasAMessage)
+// The dump tool may hand over a descriptor that cannot be written; that is an error, not a hang.
+TEST(VornSATest, DumpToAnUnwritableDescriptorFails)
 {
-    EXPECT_EQ(GetVornErrorMessage(SUCCESS), "Success.");
-    for (int32_t code : {-1, 1, 2, 3, 4, 5, 6, 7}) {
-        EXPECT_EQ(GetVornErrorMessage(code), "") << code;
-    }
+    sptr<VornSA> sa = new VornSA(BAD_DUMP_ID, true);
+    LogCapture logs;
+    EXPECT_EQ(sa->Dump(-1, {}), ERR_SERVICE_INTERNAL);
+    EXPECT_EQ(ServiceLines(logs, LOG_ERROR, "VornSA::Dump write failed"), 1u);
 }
 } // namespace

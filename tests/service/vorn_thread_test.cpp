@@ -57,14 +57,6 @@ TEST(VornThreadTest, RacingCallersShareOnePoolPerType)
     EXPECT_EQ(g_processLog.Count("created. mode:NORMAL_SUBMIT. name:vorn-binder-thread-pool"), 1U);
 }
 
-TEST(VornThreadTest, EveryOtherTypeSelectsTheBinderPool)
-{
-    const Pool binder = VornThread::GetThreadPool(BINDER_POOL);
-    EXPECT_EQ(VornThread::GetThreadPool(static_cast<VornThreadPoolType>(2)), binder);
-    EXPECT_EQ(VornThread::GetThreadPool(static_cast<VornThreadPoolType>(-1)), binder);
-    EXPECT_NE(VornThread::GetThreadPool(HTTP_POOL), binder);
-}
-
 TEST(VornThreadTest, JobsWaitingOnTheirOwnPoolStillComplete)
 {
     // A request job waits on the attempts it posted to the same pool; with more such jobs than

@@ -2,6 +2,8 @@
 #define VORN_TESTS_SUPPORT_ENGINE_FIXTURE_H
 
 #include <chrono>
+#include <cstdint>
+#include <memory>
 
 #include <gtest/gtest.h>
 
@@ -9,6 +11,7 @@
 #include "https_fixture.h"
 #include "i_vorn_request_callback.h"
 #include "response_recorder.h"
+#include "vorn_server_logic.h"
 
 namespace VornTest {
 // A local HTTPS server plus a client callback as the engine holds it, for tests that run
@@ -36,6 +39,15 @@ protected:
         recorder_ = new VornTest::ResponseRecorder();
         callback_ = recorder_->RemoteCallback();
         ASSERT_NE(callback_, nullptr);
+    }
+
+    // Runs one request to callback_ and returns GetAllServiceUrl's code once the job and every
+    // attempt have finished.
+    int32_t RunToIdle(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info)
+    {
+        int32_t code = std::make_shared<OHOS::Vorn::VornServerLogic>(info)->GetAllServiceUrl(callback_);
+        EXPECT_TRUE(HostPlatform::FfrtWaitIdle(idleTimeout_));
+        return code;
     }
 
     OHOS::sptr<VornTest::ResponseRecorder> recorder_;

@@ -11,28 +11,25 @@
 #include <nlohmann/json.hpp>
 
 #include "certificate_authority.h"
-#include "ffrt_host.h"
+#include "engine_fixture.h"
 #include "hilog_host.h"
-#include "https_fixture.h"
-#include "ipc_host.h"
-#include "iremote_broker.h"
 #include "local_https_server.h"
-#include "response_recorder.h"
-#include "vorn_server_logic.h"
 
 namespace VornTest {
 // Requests through the engine against servers that misbehave. The fixture's own server answers
 // "/ok" normally, so that every test can show that the service still serves the next request.
-class HostileServerFixture : public HttpsFixture {
+class HostileServerFixture : public EngineFixture {
 protected:
     struct Outcome {
         int32_t code = 0;                    // what GetAllServiceUrl returned
         std::vector<std::string> responses;  // what the client received, in order
     };
 
+    HostileServerFixture() : EngineFixture(std::chrono::seconds(30)) {}
+
     void SetUp() override
     {
-        HttpsFixture::SetUp();
+        EngineFixture::SetUp();
         server_->Respond("/ok", VornTestbed::HttpResponse::Text(200, "served"));
     }
 
@@ -41,19 +38,16 @@ protected:
         for (auto &server : extraServers_) {
             server->Stop();
         }
-        server_->Stop();
-        EXPECT_TRUE(HostPlatform::FfrtWaitIdle(std::chrono::seconds(30)));
+        EngineFixture::TearDown();
     }
 
-    // Runs one request and returns once the job and every attempt have finished.
+    // Runs one request with a callback of its own.
     Outcome Run(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info)
     {
-        OHOS::sptr<VornTest::ResponseRecorder> recorder = new VornTest::ResponseRecorder();
-        auto callback = recorder->RemoteCallback();
+        NewCallback();
         Outcome outcome;
-        outcome.code = std::make_shared<OHOS::Vorn::VornServerLogic>(info)->GetAllServiceUrl(callback);
-        EXPECT_TRUE(HostPlatform::FfrtWaitIdle(std::chrono::seconds(30)));
-        outcome.responses = recorder->Responses();
+        outcome.code = RunToIdle(info);
+        outcome.responses = recorder_->Responses();
         return outcome;
     }
 

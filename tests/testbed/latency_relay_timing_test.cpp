@@ -1,4 +1,3 @@
-#include <curl/curl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/time.h>
@@ -13,12 +12,9 @@
 #include <thread>
 #include <vector>
 
-#include "certificate_authority.h"
 #include "latency_relay.h"
-#include "local_https_server.h"
 #include "loopback_socket.h"
 #include "tcp_acceptor.h"
-#include "temp_dir.h"
 
 namespace VornTestbed {
 namespace {
@@ -254,42 +250,6 @@ TEST_F(LatencyRelayTest, StopEndsConnectionsWithDataInFlight)
     relay_->Stop();
     EXPECT_LT(MillisecondsSince(start), 1000.0);
     EXPECT_TRUE(ReadsClosed(client.Get())) << "the held bytes are dropped, the client's socket closed";
-}
-
-TEST_F(LatencyRelayTest, HttpsThroughTheRelayStillVerifies)
-{
-    TempDir dir;
-    auto files = MakeCertificateFiles(dir.Path("pki"));
-    ASSERT_TRUE(files.has_value());
-    LocalHttpsServer server(ServerOptions::Tls(*files));
-    server.Respond("/hello", HttpResponse::Text(200, "hi"));
-    ASSERT_TRUE(server.Start());
-    LatencyRelay relay(server.Port(), PathSettings {30ms, 0});
-    ASSERT_TRUE(relay.Start());
-
-    curl_global_init(CURL_GLOBAL_DEFAULT);
-    std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl(curl_easy_init(), curl_easy_cleanup);
-    const std::string url = "https://127.0.0.1:" + std::to_string(relay.Port()) + "/hello";
-    curl_easy_setopt(curl.get(), CURLOPT_URL, url.c_str());
-    curl_easy_setopt(curl.get(), CURLOPT_CAINFO, files->caFile.c_str());
-    curl_easy_setopt(curl.get(), CURLOPT_SSL_VERIFYPEER, 1L);
-    curl_easy_setopt(curl.get(), CURLOPT_SSL_VERIFYHOST, 2L);
-    curl_easy_setopt(curl.get(), CURLOPT_PROXY, "");
-    curl_easy_setopt(curl.get(), CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(curl.get(), CURLOPT_TIMEOUT_MS, 10000L);
-    curl_easy_setopt(curl.get(), CURLOPT_WRITEFUNCTION, +[](char*, size_t size, size_t count, void*) {
-        return size * count;
-    });
-    const Clock::time_point start = Clock::now();
-    ASSERT_EQ(curl_easy_perform(curl.get()), CURLE_OK);
-    // TCP handshake, at least one for TLS, and the request itself.
-    EXPECT_GE(MillisecondsSince(start), 3 * 30 * (1 - TOLERANCE));
-    long status = 0;
-    curl_easy_getinfo(curl.get(), CURLINFO_RESPONSE_CODE, &status);
-    EXPECT_EQ(status, 200);
-    EXPECT_EQ(server.RequestCount("/hello"), 1U);
-    curl.reset();
-    curl_global_cleanup();
 }
 } // namespace
 } // namespace VornTestbed

@@ -6,12 +6,10 @@
 #include <filesystem>
 #include <system_error>
 
-#include "iservice_registry.h"
-#include "local_ability_manager_host.h"
+#include "service_ability.h"
 
 namespace Vornctl {
 namespace {
-constexpr int32_t VORN_SA_ID = 66054;
 constexpr char LIBRARY_NAME[] = "libvorn_service.z.so";
 } // namespace
 
@@ -24,16 +22,9 @@ std::unique_ptr<ServiceSession> ServiceSession::Open(const std::string &libraryP
         error = "cannot load the service library: " + std::string(reason != nullptr ? reason : libraryPath);
         return nullptr;
     }
-    if (!HostPlatform::LocalAbilityManager::GetInstance().StartAbility(VORN_SA_ID)) {
-        error = libraryPath + " registered no system ability " + std::to_string(VORN_SA_ID);
-        return nullptr;
-    }
-    OHOS::sptr<OHOS::ISystemAbilityManager> manager =
-        OHOS::SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
-    OHOS::sptr<OHOS::IRemoteObject> service =
-        manager != nullptr ? manager->CheckSystemAbility(VORN_SA_ID) : nullptr;
+    OHOS::sptr<OHOS::IRemoteObject> service = VornTools::StartServiceAbility(error);
     if (service == nullptr) {
-        error = "system ability " + std::to_string(VORN_SA_ID) + " did not publish its remote object";
+        error = libraryPath + ": " + error;
         return nullptr;
     }
     return std::make_unique<ServiceSession>(std::move(service));

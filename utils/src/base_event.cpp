@@ -1,7 +1,10 @@
 #include "base_event.h"
 
+#include <optional>
+
 #include <nlohmann/json.hpp>
 
+#include "json_utils.h"
 #include "vorn_log.h"
 
 namespace OHOS {
@@ -9,15 +12,15 @@ namespace Vorn {
 std::unordered_map<std::string, std::string> BaseEvent::EventDataJsonToMap(std::string &content)
 {
     std::unordered_map<std::string, std::string> eventData;
-    if (!nlohmann::json::accept(content, false)) {
+    std::optional<nlohmann::json> json = JsonUtils::Parse(content);
+    if (!json) {
         VORN_COMMON_LOGE("BaseEvent::EventDataJsonToMap json accept failed");
         return eventData;
     }
     try {
-        nlohmann::json json = nlohmann::json::parse(content, nullptr, true, false);
         // Objects walk their members in key order, arrays their elements under "0", "1", ...,
         // and a single value stands under the empty key.
-        for (const auto &item : json.items()) {
+        for (const auto &item : json->items()) {
             eventData.emplace(item.key(), item.value().get<std::string>());
         }
     } catch (const nlohmann::json::exception &) {

@@ -1,7 +1,6 @@
 #include "omsa_util.h"
 
 #include <atomic>
-#include <ios>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -10,8 +9,8 @@
 
 #include "base_event.h"
 #include "event_handler_executor.h"
-#include "file_utils.h"
 #include "ipc_skeleton.h"
+#include "json_utils.h"
 #include "omsa_client_lite_api.h"
 #include "vorn_log.h"
 #include "vorn_metrics.h"
@@ -77,17 +76,17 @@ bool OMSAUtil::IsInited()
 
 std::string OMSAUtil::GetCollectUrl()
 {
-    std::string content;
-    if (FileUtils::ReadFile(OMSA_CONFIG_PATH, content, static_cast<uint32_t>(std::ios::in | std::ios::binary)) != 0) {
+    nlohmann::json json;
+    JsonUtils::FileStatus status = JsonUtils::ReadFile(OMSA_CONFIG_PATH, json);
+    if (status == JsonUtils::FileStatus::UNREADABLE) {
         VORN_LOGE("OMSAUtil read the omsa configure failed");
         return "";
     }
-    if (!nlohmann::json::accept(content, false)) {
+    if (status == JsonUtils::FileStatus::MALFORMED) {
         VORN_LOGE("OMSAUtil parse the omsa configure file failed.");
         return "";
     }
     try {
-        nlohmann::json json = nlohmann::json::parse(content, nullptr, true, false);
         if (json.is_object() && json.contains(COLLECT_URL_KEY)) {
             return json.at(COLLECT_URL_KEY).get<std::string>();
         }

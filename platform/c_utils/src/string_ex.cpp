@@ -57,25 +57,6 @@ std::optional<char32_t> DecodeUtf8(const std::string &str, size_t &pos)
     pos += extra + 1;
     return value;
 }
-
-void AppendUtf8(std::string &out, char32_t c)
-{
-    if (c < 0x80) {
-        out.push_back(static_cast<char>(c));
-    } else if (c < 0x800) {
-        out.push_back(static_cast<char>(0xC0 | (c >> 6)));
-        out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-    } else if (c < SUPPLEMENTARY_FIRST) {
-        out.push_back(static_cast<char>(0xE0 | (c >> 12)));
-        out.push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
-        out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-    } else {
-        out.push_back(static_cast<char>(0xF0 | (c >> 18)));
-        out.push_back(static_cast<char>(0x80 | ((c >> 12) & 0x3F)));
-        out.push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
-        out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-    }
-}
 } // namespace
 
 std::u16string Str8ToStr16(const std::string &str)
@@ -95,26 +76,6 @@ std::u16string Str8ToStr16(const std::string &str)
         char32_t offset = *c - SUPPLEMENTARY_FIRST;
         result.push_back(static_cast<char16_t>(SURROGATE_FIRST + (offset >> 10)));
         result.push_back(static_cast<char16_t>(LOW_SURROGATE_FIRST + (offset & 0x3FF)));
-    }
-    return result;
-}
-
-std::string Str16ToStr8(const std::u16string &str16)
-{
-    std::string result;
-    result.reserve(str16.size());
-    for (size_t i = 0; i < str16.size(); ++i) {
-        char32_t c = str16[i];
-        if (IsSurrogate(c)) {
-            bool pairs = c < LOW_SURROGATE_FIRST && i + 1 < str16.size() && str16[i + 1] >= LOW_SURROGATE_FIRST &&
-                str16[i + 1] <= SURROGATE_LAST;
-            if (!pairs) {
-                return "";
-            }
-            c = SUPPLEMENTARY_FIRST + ((c - SURROGATE_FIRST) << 10) + (str16[i + 1] - LOW_SURROGATE_FIRST);
-            ++i;
-        }
-        AppendUtf8(result, c);
     }
     return result;
 }

@@ -6,9 +6,8 @@
 #include <chrono>
 
 namespace HostPlatform {
-// True when no runner of the process has an event pending (delayed ones included) or running.
-bool EventRunnersIdle();
-// Waits until EventRunnersIdle() holds or the timeout passes; returns whether it holds.
+// Waits until no runner of the process has an event pending (delayed ones included) or
+// running, or the timeout passes; returns whether they are all idle.
 bool EventRunnersWaitIdle(std::chrono::milliseconds timeout);
 } // namespace HostPlatform
 

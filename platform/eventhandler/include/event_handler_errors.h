@@ -7,11 +7,6 @@ namespace OHOS {
 namespace AppExecFwk {
 constexpr ErrCode EVENT_HANDLER_ERR_OFFSET = ErrCodeOffset(SUBSYS_APPEXECFWK, 0x10);
 
-constexpr ErrCode EVENT_HANDLER_ERR_INVALID_PARAM = EVENT_HANDLER_ERR_OFFSET;
-constexpr ErrCode EVENT_HANDLER_ERR_NO_EVENT_RUNNER = EVENT_HANDLER_ERR_OFFSET + 1;
-constexpr ErrCode EVENT_HANDLER_ERR_FD_NOT_SUPPORT = EVENT_HANDLER_ERR_OFFSET + 2;
-constexpr ErrCode EVENT_HANDLER_ERR_FD_ALREADY = EVENT_HANDLER_ERR_OFFSET + 3;
-constexpr ErrCode EVENT_HANDLER_ERR_FD_FAILED = EVENT_HANDLER_ERR_OFFSET + 4;
 // Run() or Stop() on a runner that owns its thread.
 constexpr ErrCode EVENT_HANDLER_ERR_RUNNER_NO_PERMIT = EVENT_HANDLER_ERR_OFFSET + 5;
 // Run() while the runner is already running.

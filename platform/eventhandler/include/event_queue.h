@@ -37,13 +37,10 @@ public:
     // Takes the event; a null event is ignored.
     void Insert(InnerEvent::Pointer &event, Priority priority = Priority::LOW);
 
-    // Drop pending events of one handler; each returns how many were dropped.
-    size_t Remove(const std::weak_ptr<EventHandler> &owner);
-    size_t Remove(const std::weak_ptr<EventHandler> &owner, uint32_t innerEventId);
-    size_t Remove(const std::weak_ptr<EventHandler> &owner, uint32_t innerEventId, int64_t param);
-    size_t Remove(const std::weak_ptr<EventHandler> &owner, const std::string &name);
+    // Drop the pending events of one handler (of one name).
+    void Remove(const std::weak_ptr<EventHandler> &owner);
+    void Remove(const std::weak_ptr<EventHandler> &owner, const std::string &name);
     void RemoveAll();
-    bool HasInnerEvent(const std::weak_ptr<EventHandler> &owner, uint32_t innerEventId);
 
     // For the runner's loop: blocks until an event is due and hands it out, or returns null once
     // Finish() was called. The event handed out counts as being handled until the next call.
@@ -52,16 +49,12 @@ public:
     void Prepare();
     void Finish();
 
-    // No event is being handled and none is due.
-    bool IsIdle();
-    bool IsQueueEmpty();
-
 private:
     static constexpr size_t PRIORITY_COUNT = static_cast<size_t>(Priority::IDLE) + 1;
     using Key = std::pair<InnerEvent::TimePoint, uint64_t>; // handle time, then send order
     using Level = std::map<Key, InnerEvent::Pointer>;
 
-    size_t RemoveIf(const std::function<bool(const InnerEvent &)> &match);
+    void RemoveIf(const std::function<bool(const InnerEvent &)> &match);
     InnerEvent::Pointer TakeDue(InnerEvent::TimePoint now, InnerEvent::TimePoint &nextDue);
     void EndHandling();
 

@@ -39,7 +39,7 @@ void EventQueue::Insert(InnerEvent::Pointer &event, Priority priority)
     changed_.notify_one();
 }
 
-size_t EventQueue::RemoveIf(const std::function<bool(const InnerEvent &)> &match)
+void EventQueue::RemoveIf(const std::function<bool(const InnerEvent &)> &match)
 {
     // Declared before the lock so that the dropped events, whose callbacks may do anything,
     // are destroyed after it is released.
@@ -56,54 +56,23 @@ size_t EventQueue::RemoveIf(const std::function<bool(const InnerEvent &)> &match
         }
     }
     RunnerActivity::Instance().Remove(dropped.size());
-    return dropped.size();
 }
 
-size_t EventQueue::Remove(const std::weak_ptr<EventHandler> &owner)
+void EventQueue::Remove(const std::weak_ptr<EventHandler> &owner)
 {
-    return RemoveIf([&owner](const InnerEvent &event) { return SameOwner(event.GetWeakOwner(), owner); });
+    RemoveIf([&owner](const InnerEvent &event) { return SameOwner(event.GetWeakOwner(), owner); });
 }
 
-size_t EventQueue::Remove(const std::weak_ptr<EventHandler> &owner, uint32_t innerEventId)
+void EventQueue::Remove(const std::weak_ptr<EventHandler> &owner, const std::string &name)
 {
-    return RemoveIf([&owner, innerEventId](const InnerEvent &event) {
-        return !event.HasTask() && event.GetInnerEventId() == innerEventId && SameOwner(event.GetWeakOwner(), owner);
-    });
-}
-
-size_t EventQueue::Remove(const std::weak_ptr<EventHandler> &owner, uint32_t innerEventId, int64_t param)
-{
-    return RemoveIf([&owner, innerEventId, param](const InnerEvent &event) {
-        return !event.HasTask() && event.GetInnerEventId() == innerEventId && event.GetParam() == param &&
-            SameOwner(event.GetWeakOwner(), owner);
-    });
-}
-
-size_t EventQueue::Remove(const std::weak_ptr<EventHandler> &owner, const std::string &name)
-{
-    return RemoveIf([&owner, &name](const InnerEvent &event) {
-        return event.HasTask() && event.GetTaskName() == name && SameOwner(event.GetWeakOwner(), owner);
+    RemoveIf([&owner, &name](const InnerEvent &event) {
+        return event.GetTaskName() == name && SameOwner(event.GetWeakOwner(), owner);
     });
 }
 
 void EventQueue::RemoveAll()
 {
     RemoveIf([](const InnerEvent &) { return true; });
-}
-
-bool EventQueue::HasInnerEvent(const std::weak_ptr<EventHandler> &owner, uint32_t innerEventId)
-{
-    std::lock_guard<std::mutex> lock(mutex_);
-    for (const Level &level : levels_) {
-        for (const auto &entry : level) {
-            const InnerEvent &event = *entry.second;
-            if (!event.HasTask() && event.GetInnerEventId() == innerEventId &&
-                SameOwner(event.GetWeakOwner(), owner)) {
-                return true;
-            }
-        }
-    }
-    return false;
 }
 
 InnerEvent::Pointer EventQueue::GetEvent()
@@ -162,23 +131,6 @@ void EventQueue::Finish()
     std::lock_guard<std::mutex> lock(mutex_);
     finished_ = true;
     changed_.notify_all();
-}
-
-bool EventQueue::IsIdle()
-{
-    std::lock_guard<std::mutex> lock(mutex_);
-    if (handling_) {
-        return false;
-    }
-    InnerEvent::Clock::time_point now = InnerEvent::Clock::now();
-    return std::none_of(levels_.begin(), levels_.end(),
-        [now](const Level &level) { return !level.empty() && level.begin()->first.first <= now; });
-}
-
-bool EventQueue::IsQueueEmpty()
-{
-    std::lock_guard<std::mutex> lock(mutex_);
-    return std::all_of(levels_.begin(), levels_.end(), [](const Level &level) { return level.empty(); });
 }
 } // namespace AppExecFwk
 } // namespace OHOS

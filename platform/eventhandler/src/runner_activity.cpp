@@ -27,12 +27,6 @@ void RunnerActivity::Remove(size_t count)
     }
 }
 
-bool RunnerActivity::IsIdle()
-{
-    std::lock_guard<std::mutex> lock(mutex_);
-    return busy_ == 0;
-}
-
 bool RunnerActivity::WaitIdle(std::chrono::milliseconds timeout)
 {
     std::unique_lock<std::mutex> lock(mutex_);

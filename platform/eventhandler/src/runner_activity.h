@@ -15,7 +15,6 @@ public:
 
     void Add(size_t count);
     void Remove(size_t count);
-    bool IsIdle();
     bool WaitIdle(std::chrono::milliseconds timeout);
 
 private:

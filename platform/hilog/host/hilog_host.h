@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -38,17 +37,12 @@ public:
     bool Contains(const std::string &text) const { return Count(text) > 0; }
     // Waits until at least `count` lines equal `text`, or the timeout passes.
     bool WaitFor(const std::string &text, std::chrono::milliseconds timeout, size_t count = 1) const;
-    bool WaitUntil(const std::function<bool(const std::vector<LogRecord> &)> &predicate,
-        std::chrono::milliseconds timeout) const;
     void Clear();
 
 private:
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };
-
-// Formats one line in the device's own layout ("MM-DD HH:MM:SS.mmm  pid   tid L C05540/Tag: text").
-std::string FormatLogLine(const LogRecord &record);
 } // namespace HostPlatform
 
 #endif // HOST_PLATFORM_HILOG_HOST_H

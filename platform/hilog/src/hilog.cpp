@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -18,14 +17,12 @@
 namespace {
 constexpr unsigned int DOMAIN_OS_MIN = 0xD000000;
 constexpr unsigned int DOMAIN_OS_MAX = 0xD0FFFFF;
-constexpr unsigned int DOMAIN_APP_MAX = 0xFFFF;
 // Both limits count the terminating NUL, as on the device.
 constexpr size_t MAX_LOG_LEN = 4096;
 constexpr size_t MAX_TAG_LEN = 32;
 constexpr char REVEAL_PRIVATE_ENV[] = "VORN_HILOG_PRIVATE";
 constexpr char LOG_FILE_ENV[] = "VORN_HILOG_FILE";
 
-std::atomic<LogCallback> g_callback{nullptr};
 // Serialises writes so that lines of different threads never interleave in the sink.
 std::mutex g_sinkMutex;
 
@@ -148,10 +145,6 @@ int HiLogPrintArgs(LogType type, LogLevel level, unsigned int domain, const char
     }
     int written = output.empty() ? 0 : WriteToSink(output);
     HostPlatform::PublishToCaptures(records);
-    LogCallback callback = g_callback.load();
-    if (callback != nullptr) {
-        callback(type, level, domain, shortTag.c_str(), message.c_str());
-    }
     return written;
 }
 } // namespace
@@ -166,63 +159,3 @@ int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char *ta
     va_end(args);
     return result;
 }
-
-bool HiLogIsLoggable(unsigned int domain, const char *tag, LogLevel level)
-{
-    bool domainValid = domain <= DOMAIN_APP_MAX || (domain >= DOMAIN_OS_MIN && domain <= DOMAIN_OS_MAX);
-    return domainValid && tag != nullptr && level >= LOG_DEBUG && level <= LOG_FATAL;
-}
-
-void LOG_SetCallback(LogCallback callback)
-{
-    g_callback.store(callback);
-}
-
-namespace OHOS {
-namespace HiviewDFX {
-int HiLog::Debug(const HiLogLabel &label, const char *fmt, ...)
-{
-    va_list args;
-    va_start(args, fmt);
-    int result = HiLogPrintArgs(label.type, LOG_DEBUG, label.domain, label.tag, fmt, args);
-    va_end(args);
-    return result;
-}
-
-int HiLog::Info(const HiLogLabel &label, const char *fmt, ...)
-{
-    va_list args;
-    va_start(args, fmt);
-    int result = HiLogPrintArgs(label.type, LOG_INFO, label.domain, label.tag, fmt, args);
-    va_end(args);
-    return result;
-}
-
-int HiLog::Warn(const HiLogLabel &label, const char *fmt, ...)
-{
-    va_list args;
-    va_start(args, fmt);
-    int result = HiLogPrintArgs(label.type, LOG_WARN, label.domain, label.tag, fmt, args);
-    va_end(args);
-    return result;
-}
-
-int HiLog::Error(const HiLogLabel &label, const char *fmt, ...)
-{
-    va_list args;
-    va_start(args, fmt);
-    int result = HiLogPrintArgs(label.type, LOG_ERROR, label.domain, label.tag, fmt, args);
-    va_end(args);
-    return result;
-}
-
-int HiLog::Fatal(const HiLogLabel &label, const char *fmt, ...)
-{
-    va_list args;
-    va_start(args, fmt);
-    int result = HiLogPrintArgs(label.type, LOG_FATAL, label.domain, label.tag, fmt, args);
-    va_end(args);
-    return result;
-}
-} // namespace HiviewDFX
-} // namespace OHOS

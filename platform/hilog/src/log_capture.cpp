@@ -115,14 +115,6 @@ bool LogCapture::WaitFor(const std::string &text, std::chrono::milliseconds time
     return buffer.changed.wait_for(lock, timeout, [&] { return buffer.CountLocked(text) >= count; });
 }
 
-bool LogCapture::WaitUntil(const std::function<bool(const std::vector<LogRecord> &)> &predicate,
-    std::chrono::milliseconds timeout) const
-{
-    CaptureBuffer &buffer = impl_->buffer;
-    std::unique_lock<std::mutex> lock(buffer.mutex);
-    return buffer.changed.wait_for(lock, timeout, [&] { return predicate(buffer.records); });
-}
-
 void LogCapture::Clear()
 {
     std::lock_guard<std::mutex> lock(impl_->buffer.mutex);

@@ -86,9 +86,4 @@ std::string FormatLogLine(const LogRecord &record, const LogOrigin &origin)
     line += record.text;
     return line;
 }
-
-std::string FormatLogLine(const LogRecord &record)
-{
-    return FormatLogLine(record, CurrentLogOrigin());
-}
 } // namespace HostPlatform

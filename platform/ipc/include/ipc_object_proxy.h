@@ -30,19 +30,13 @@ public:
         return true;
     }
     bool IsObjectDead() const override;
-    bool CheckObjectLegality() const override;
-    int32_t GetObjectRefCount() override;
     int Dump(int fd, const std::vector<std::u16string> &args) override;
-    std::u16string GetInterfaceDescriptor() override;
     bool AddDeathRecipient(const sptr<DeathRecipient> &recipient) override;
     bool RemoveDeathRecipient(const sptr<DeathRecipient> &recipient) override;
-    uint32_t GetHandle();
 
 private:
     friend class IpcHostAccess;
     explicit IPCObjectProxy(const sptr<IPCObjectStub> &target);
-
-    int SendRequestInner(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option);
 
     const sptr<IPCObjectStub> target_;
 };

@@ -15,8 +15,6 @@ class StubHostState;
 
 class IPCObjectStub : public IRemoteObject {
 public:
-    enum { OBJECT_TYPE_NATIVE, OBJECT_TYPE_JAVA, OBJECT_TYPE_JAVASCRIPT };
-
     explicit IPCObjectStub(std::u16string descriptor = std::u16string(), bool serialInvokeFlag = false);
     ~IPCObjectStub() override;
 
@@ -24,29 +22,16 @@ public:
     {
         return false;
     }
-    bool CheckObjectLegality() const override;
 
-    int32_t GetObjectRefCount() override;
     int Dump(int fd, const std::vector<std::u16string> &args) override;
     virtual int OnRemoteRequest(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option);
     int SendRequest(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option) override;
-
-    void OnFirstStrongRef(const void *objectId) override;
-    void OnLastStrongRef(const void *objectId) override;
 
     // A local object has no remote process whose death could be observed.
     bool AddDeathRecipient(const sptr<DeathRecipient> &recipient) override;
     bool RemoveDeathRecipient(const sptr<DeathRecipient> &recipient) override;
 
-    int GetCallingPid();
-    int GetCallingUid();
-    uint32_t GetCallingTokenID();
-    uint64_t GetCallingFullTokenID();
-    uint32_t GetFirstTokenID();
-    uint64_t GetFirstFullTokenID();
-
     virtual int OnRemoteDump(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option);
-    virtual int GetObjectType() const;
 
 private:
     friend class IpcHostAccess;

@@ -18,7 +18,6 @@ class IRemoteObject;
 class MessageParcel : public Parcel {
 public:
     MessageParcel();
-    explicit MessageParcel(Allocator *allocator);
     ~MessageParcel() override;
 
     bool WriteRemoteObject(const sptr<IRemoteObject> &object);
@@ -29,17 +28,9 @@ public:
     bool WriteFileDescriptor(int fd);
     // A new descriptor owned by the caller, or -1.
     int ReadFileDescriptor();
-    bool ContainFileDescriptors() const;
 
     bool WriteInterfaceToken(std::u16string name);
     std::u16string ReadInterfaceToken();
-    std::u16string GetInterfaceToken() const;
-
-    bool WriteRawData(const void *data, size_t size);
-    const void *ReadRawData(size_t size);
-
-    void WriteNoException();
-    int32_t ReadException();
 
     bool Append(MessageParcel &data);
 
@@ -49,7 +40,6 @@ private:
 
     std::map<size_t, sptr<IRemoteObject>> objects_;
     std::map<size_t, std::shared_ptr<const int>> fds_;
-    std::u16string interfaceToken_;
 };
 } // namespace OHOS
 

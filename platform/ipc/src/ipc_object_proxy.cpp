@@ -26,14 +26,6 @@ int IPCObjectProxy::SendRequest(uint32_t code, MessageParcel &data, MessageParce
     if (code != DUMP_TRANSACTION && code > MAX_TRANSACTION_ID) {
         return IPC_PROXY_INVALID_CODE_ERR;
     }
-    return SendRequestInner(code, data, reply, option);
-}
-
-int IPCObjectProxy::SendRequestInner(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option)
-{
-    if (IsObjectDead()) {
-        return ERR_DEAD_OBJECT;
-    }
     std::unique_ptr<IpcTransaction> transaction = IpcTransaction::Make(target_, code, data, option);
     if (transaction == nullptr) {
         return IPC_PROXY_WRITE_PARCEL_ERR;
@@ -50,16 +42,6 @@ bool IPCObjectProxy::IsObjectDead() const
     return IpcHostAccess::State(*target_).IsDead();
 }
 
-bool IPCObjectProxy::CheckObjectLegality() const
-{
-    return true;
-}
-
-int32_t IPCObjectProxy::GetObjectRefCount()
-{
-    return GetSptrRefCount();
-}
-
 int IPCObjectProxy::Dump(int fd, const std::vector<std::u16string> &args)
 {
     MessageParcel data;
@@ -71,17 +53,6 @@ int IPCObjectProxy::Dump(int fd, const std::vector<std::u16string> &args)
     return SendRequest(DUMP_TRANSACTION, data, reply, option);
 }
 
-std::u16string IPCObjectProxy::GetInterfaceDescriptor()
-{
-    MessageParcel data;
-    MessageParcel reply;
-    MessageOption option;
-    if (SendRequestInner(INTERFACE_TRANSACTION, data, reply, option) != ERR_NONE) {
-        return std::u16string();
-    }
-    return reply.ReadString16();
-}
-
 bool IPCObjectProxy::AddDeathRecipient(const sptr<DeathRecipient> &recipient)
 {
     return recipient != nullptr && IpcHostAccess::State(*target_).AddDeathRecipient(this, recipient);
@@ -90,10 +61,5 @@ bool IPCObjectProxy::AddDeathRecipient(const sptr<DeathRecipient> &recipient)
 bool IPCObjectProxy::RemoveDeathRecipient(const sptr<DeathRecipient> &recipient)
 {
     return recipient != nullptr && IpcHostAccess::State(*target_).RemoveDeathRecipient(this, recipient);
-}
-
-uint32_t IPCObjectProxy::GetHandle()
-{
-    return IpcHostAccess::State(*target_).Handle();
 }
 } // namespace OHOS

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include "hilog/log.h"
-#include "ipc_skeleton.h"
 #include "ipc_types.h"
 #include "stub_host_state.h"
 
@@ -21,16 +20,6 @@ IPCObjectStub::IPCObjectStub(std::u16string descriptor, bool serialInvokeFlag)
 
 IPCObjectStub::~IPCObjectStub() = default;
 
-bool IPCObjectStub::CheckObjectLegality() const
-{
-    return true;
-}
-
-int32_t IPCObjectStub::GetObjectRefCount()
-{
-    return GetSptrRefCount();
-}
-
 int IPCObjectStub::Dump(int /* fd */, const std::vector<std::u16string> & /* args */)
 {
     return ERR_NONE;
@@ -45,15 +34,8 @@ int IPCObjectStub::OnRemoteRequest(uint32_t code, MessageParcel & /* data */, Me
 
 int IPCObjectStub::SendRequest(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option)
 {
-    switch (code) {
-        case PING_TRANSACTION:
-            return ERR_NONE;
-        case INTERFACE_TRANSACTION:
-            return reply.WriteString16(GetObjectDescriptor()) ? ERR_NONE : IPC_STUB_WRITE_PARCEL_ERR;
-        case DUMP_TRANSACTION:
-            return OnRemoteDump(code, data, reply, option);
-        default:
-            break;
+    if (code == DUMP_TRANSACTION) {
+        return OnRemoteDump(code, data, reply, option);
     }
     if (serialInvokeFlag_) {
         std::lock_guard<std::recursive_mutex> lock(serialRecursiveMutex_);
@@ -61,10 +43,6 @@ int IPCObjectStub::SendRequest(uint32_t code, MessageParcel &data, MessageParcel
     }
     return OnRemoteRequest(code, data, reply, option);
 }
-
-void IPCObjectStub::OnFirstStrongRef(const void * /* objectId */) {}
-
-void IPCObjectStub::OnLastStrongRef(const void * /* objectId */) {}
 
 bool IPCObjectStub::AddDeathRecipient(const sptr<DeathRecipient> & /* recipient */)
 {
@@ -74,36 +52,6 @@ bool IPCObjectStub::AddDeathRecipient(const sptr<DeathRecipient> & /* recipient 
 bool IPCObjectStub::RemoveDeathRecipient(const sptr<DeathRecipient> & /* recipient */)
 {
     return false;
-}
-
-int IPCObjectStub::GetCallingPid()
-{
-    return IPCSkeleton::GetCallingPid();
-}
-
-int IPCObjectStub::GetCallingUid()
-{
-    return IPCSkeleton::GetCallingUid();
-}
-
-uint32_t IPCObjectStub::GetCallingTokenID()
-{
-    return IPCSkeleton::GetCallingTokenID();
-}
-
-uint64_t IPCObjectStub::GetCallingFullTokenID()
-{
-    return IPCSkeleton::GetCallingFullTokenID();
-}
-
-uint32_t IPCObjectStub::GetFirstTokenID()
-{
-    return IPCSkeleton::GetFirstTokenID();
-}
-
-uint64_t IPCObjectStub::GetFirstFullTokenID()
-{
-    return IPCSkeleton::GetFirstFullTokenID();
 }
 
 int IPCObjectStub::OnRemoteDump(uint32_t /* code */, MessageParcel &data, MessageParcel & /* reply */,
@@ -120,10 +68,5 @@ int IPCObjectStub::OnRemoteDump(uint32_t /* code */, MessageParcel &data, Messag
     int result = Dump(fd, args);
     close(fd);
     return result;
-}
-
-int IPCObjectStub::GetObjectType() const
-{
-    return OBJECT_TYPE_NATIVE;
 }
 } // namespace OHOS

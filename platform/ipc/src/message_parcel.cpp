@@ -3,8 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <climits>
-
 #include "ipc_host_access.h"
 #include "iremote_object.h"
 
@@ -31,8 +29,6 @@ std::shared_ptr<const int> OwnDuplicate(int fd)
 } // namespace
 
 MessageParcel::MessageParcel() = default;
-
-MessageParcel::MessageParcel(Allocator *allocator) : Parcel(allocator) {}
 
 MessageParcel::~MessageParcel() = default;
 
@@ -91,11 +87,6 @@ int MessageParcel::ReadFileDescriptor()
     return fcntl(*it->second, F_DUPFD_CLOEXEC, 0);
 }
 
-bool MessageParcel::ContainFileDescriptors() const
-{
-    return !fds_.empty();
-}
-
 bool MessageParcel::WriteInterfaceToken(std::u16string name)
 {
     size_t start = GetWritePosition();
@@ -103,7 +94,6 @@ bool MessageParcel::WriteInterfaceToken(std::u16string name)
         RewindWrite(start);
         return false;
     }
-    interfaceToken_ = std::move(name);
     return true;
 }
 
@@ -117,51 +107,7 @@ std::u16string MessageParcel::ReadInterfaceToken()
         RewindRead(start);
         return std::u16string();
     }
-    interfaceToken_ = token;
     return token;
-}
-
-std::u16string MessageParcel::GetInterfaceToken() const
-{
-    return interfaceToken_;
-}
-
-bool MessageParcel::WriteRawData(const void *data, size_t size)
-{
-    if (data == nullptr || size == 0 || size > INT32_MAX) {
-        return false;
-    }
-    size_t start = GetWritePosition();
-    if (!WriteInt32(static_cast<int32_t>(size)) || !WriteBuffer(data, size)) {
-        RewindWrite(start);
-        return false;
-    }
-    return true;
-}
-
-const void *MessageParcel::ReadRawData(size_t size)
-{
-    size_t start = GetReadPosition();
-    int32_t length = 0;
-    if (!ReadInt32(length) || length < 0 || static_cast<size_t>(length) != size) {
-        RewindRead(start);
-        return nullptr;
-    }
-    const uint8_t *data = ReadBuffer(size);
-    if (data == nullptr) {
-        RewindRead(start);
-    }
-    return data;
-}
-
-void MessageParcel::WriteNoException()
-{
-    WriteInt32(0);
-}
-
-int32_t MessageParcel::ReadException()
-{
-    return ReadInt32();
 }
 
 bool MessageParcel::Append(MessageParcel &data)
@@ -188,6 +134,5 @@ void MessageParcel::Reset()
     FlushBuffer();
     objects_.clear();
     fds_.clear();
-    interfaceToken_.clear();
 }
 } // namespace OHOS

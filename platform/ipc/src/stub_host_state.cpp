@@ -4,22 +4,6 @@
 #include <iterator>
 
 namespace OHOS {
-namespace {
-uint32_t NextHandle()
-{
-    // Handle 0 names the context object (samgr) on the device, so real objects start at 1.
-    static std::atomic<uint32_t> next{1};
-    return next.fetch_add(1, std::memory_order_relaxed);
-}
-} // namespace
-
-StubHostState::StubHostState() : handle_(NextHandle()) {}
-
-uint32_t StubHostState::Handle() const
-{
-    return handle_;
-}
-
 bool StubHostState::IsDead() const
 {
     return dead_.load(std::memory_order_acquire);

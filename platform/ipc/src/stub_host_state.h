@@ -2,7 +2,6 @@
 #define OHOS_IPC_STUB_HOST_STATE_H
 
 #include <atomic>
-#include <cstdint>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -10,13 +9,10 @@
 #include "iremote_object.h"
 
 namespace OHOS {
-// What the driver knows about a stub on the host: a handle, whether its process has died and
+// What the driver knows about a stub on the host: whether its process has died and
 // which proxies asked to hear about that.
 class StubHostState {
 public:
-    StubHostState();
-
-    uint32_t Handle() const;
     bool IsDead() const;
     // Marks the stub dead once and runs the recipients registered until then.
     void MarkDead();
@@ -28,7 +24,6 @@ public:
 private:
     using Watch = std::pair<wptr<IRemoteObject>, sptr<IRemoteObject::DeathRecipient>>;
 
-    const uint32_t handle_;
     std::atomic<bool> dead_{false};
     std::mutex mutex_;
     std::vector<Watch> watches_;

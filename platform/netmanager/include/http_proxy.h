@@ -6,8 +6,6 @@
 #include <optional>
 #include <string>
 
-#include "netmanager_secure_data.h"
-
 namespace OHOS {
 namespace NetManagerStandard {
 // On the host the proxy is a plain value: it never crosses a parcel, so it is no Parcelable.
@@ -20,27 +18,15 @@ public:
     [[nodiscard]] std::string GetHost() const;
     [[nodiscard]] uint16_t GetPort() const;
     [[nodiscard]] std::list<std::string> GetExclusionList() const;
-    // "HOST:PORT", followed by ";" and the comma-separated exclusions when there are any.
-    [[nodiscard]] std::string ToString() const;
-    [[nodiscard]] SecureData GetUsername() const;
-    [[nodiscard]] SecureData GetPassword() const;
-    // Reads the form ToString writes; nullopt when the text is not such a proxy.
+    // Reads "HOST:PORT", followed by ";" and comma-separated exclusions when there are any;
+    // nullopt when the text is not such a proxy.
     [[nodiscard]] static std::optional<HttpProxy> FromString(const std::string &str);
 
-    void SetHost(std::string &&host);
-    void SetPort(uint16_t port);
-    void SetExclusionList(const std::list<std::string> &list);
-    void SetUserName(const SecureData &userName);
-    void SetPassword(const SecureData &password);
-
     bool operator==(const HttpProxy &httpProxy) const;
-    bool operator!=(const HttpProxy &httpProxy) const;
 
 private:
     std::string host_;
     uint16_t port_ = 0;
-    SecureData username_;
-    SecureData password_;
     std::list<std::string> exclusionList_;
 };
 } // namespace NetManagerStandard

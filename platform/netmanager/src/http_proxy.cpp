@@ -84,28 +84,6 @@ std::list<std::string> HttpProxy::GetExclusionList() const
     return exclusionList_;
 }
 
-std::string HttpProxy::ToString() const
-{
-    std::string text = host_ + ":" + std::to_string(port_);
-    char separator = LIST_SEPARATOR;
-    for (const std::string &name : exclusionList_) {
-        text += separator;
-        text += name;
-        separator = EXCLUSION_SEPARATOR;
-    }
-    return text;
-}
-
-SecureData HttpProxy::GetUsername() const
-{
-    return username_;
-}
-
-SecureData HttpProxy::GetPassword() const
-{
-    return password_;
-}
-
 // The port follows the last colon, so a host may carry a scheme ("https://proxy.local:3129").
 std::optional<HttpProxy> HttpProxy::FromString(const std::string &str)
 {
@@ -126,40 +104,9 @@ std::optional<HttpProxy> HttpProxy::FromString(const std::string &str)
     return HttpProxy(address.substr(0, colon), *port, exclusions);
 }
 
-void HttpProxy::SetHost(std::string &&host)
-{
-    host_ = std::move(host);
-}
-
-void HttpProxy::SetPort(uint16_t port)
-{
-    port_ = port;
-}
-
-void HttpProxy::SetExclusionList(const std::list<std::string> &list)
-{
-    exclusionList_ = list;
-}
-
-void HttpProxy::SetUserName(const SecureData &userName)
-{
-    username_ = userName;
-}
-
-void HttpProxy::SetPassword(const SecureData &password)
-{
-    password_ = password;
-}
-
 bool HttpProxy::operator==(const HttpProxy &httpProxy) const
 {
-    return host_ == httpProxy.host_ && port_ == httpProxy.port_ && exclusionList_ == httpProxy.exclusionList_ &&
-        username_ == httpProxy.username_ && password_ == httpProxy.password_;
-}
-
-bool HttpProxy::operator!=(const HttpProxy &httpProxy) const
-{
-    return !(*this == httpProxy);
+    return host_ == httpProxy.host_ && port_ == httpProxy.port_ && exclusionList_ == httpProxy.exclusionList_;
 }
 } // namespace NetManagerStandard
 } // namespace OHOS

@@ -2,10 +2,9 @@
 #define HOST_PLATFORM_LOCAL_ABILITY_MANAGER_HOST_H
 
 // Host-only: the service host of this process (sa_main on the device). It keeps the abilities
-// that libraries register while they load and drives their lifecycle hooks on request. The
-// system-ability manager also starts and stops them through it on demand.
+// that libraries register while they load and starts them on request. The system-ability
+// manager also starts them through it on demand.
 
-#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -20,14 +19,9 @@ public:
     static LocalAbilityManager &GetInstance();
 
     bool IsRegistered(int32_t systemAbilityId);
-    // Calls the ability's OnStart (through the reason overload, as the device does). Repeated
-    // calls are passed on, so an ability's own guard against them can be exercised. False if
-    // no ability has the id.
+    // Calls the ability's OnStart. Repeated calls are passed on, so an ability's own guard
+    // against them can be exercised. False if no ability has the id.
     bool StartAbility(int32_t systemAbilityId);
-    // Calls OnStop, then withdraws the ability from the manager if it was published.
-    bool StopAbility(int32_t systemAbilityId);
-    // Starts every registered ability marked run-on-create, in id order; returns how many.
-    size_t StartRunOnCreateAbilities();
     // Makes the next Publish of any ability fail (once).
     void FailNextPublish(bool fail = true);
 

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include "iremote_broker.h"
 #include "iremote_object.h"
@@ -13,13 +12,7 @@ namespace OHOS {
 // The operations of the system-ability manager that this platform's services use.
 class ISystemAbilityManager : public IRemoteBroker {
 public:
-    static const unsigned int DUMP_FLAG_PRIORITY_CRITICAL = 1 << 0;
-    static const unsigned int DUMP_FLAG_PRIORITY_HIGH = 1 << 1;
-    static const unsigned int DUMP_FLAG_PRIORITY_NORMAL = 1 << 2;
     static const unsigned int DUMP_FLAG_PRIORITY_DEFAULT = 1 << 3;
-    static const unsigned int DUMP_FLAG_PRIORITY_ALL = DUMP_FLAG_PRIORITY_CRITICAL | DUMP_FLAG_PRIORITY_HIGH |
-        DUMP_FLAG_PRIORITY_NORMAL | DUMP_FLAG_PRIORITY_DEFAULT;
-    static const unsigned int DUMP_FLAG_PROTO = 1 << 4;
 
     struct SAExtraProp {
         SAExtraProp() = default;
@@ -34,19 +27,14 @@ public:
         std::u16string permission;
     };
 
-    virtual std::vector<std::u16string> ListSystemAbilities(unsigned int dumpFlags = DUMP_FLAG_PRIORITY_ALL) = 0;
     // Starts the ability if it is not running but can be loaded.
     virtual sptr<IRemoteObject> GetSystemAbility(int32_t systemAbilityId) = 0;
     // Only what is published now.
     virtual sptr<IRemoteObject> CheckSystemAbility(int32_t systemAbilityId) = 0;
-    virtual sptr<IRemoteObject> GetSystemAbility(int32_t systemAbilityId, const std::string &deviceId) = 0;
-    virtual sptr<IRemoteObject> CheckSystemAbility(int32_t systemAbilityId, const std::string &deviceId) = 0;
-    virtual sptr<IRemoteObject> CheckSystemAbility(int32_t systemAbilityId, bool &isExist) = 0;
     virtual int32_t RemoveSystemAbility(int32_t systemAbilityId) = 0;
     virtual int32_t AddSystemAbility(int32_t systemAbilityId, const sptr<IRemoteObject> &ability,
         const SAExtraProp &extraProp = SAExtraProp(false, DUMP_FLAG_PRIORITY_DEFAULT, u"", u"")) = 0;
     virtual sptr<IRemoteObject> LoadSystemAbility(int32_t systemAbilityId, int32_t timeout) = 0;
-    virtual int32_t UnloadSystemAbility(int32_t systemAbilityId) = 0;
 
     DECLARE_INTERFACE_DESCRIPTOR(u"OHOS.ISystemAbilityManager");
 };

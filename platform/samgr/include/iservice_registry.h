@@ -10,8 +10,6 @@ class SystemAbilityManagerClient {
 public:
     static SystemAbilityManagerClient &GetInstance();
     sptr<ISystemAbilityManager> GetSystemAbilityManager();
-    // The manager lives as long as the process on the host; nothing is dropped.
-    void DestroySystemAbilityManagerObject();
 
 private:
     SystemAbilityManagerClient() = default;

@@ -13,6 +13,4 @@ sptr<ISystemAbilityManager> SystemAbilityManagerClient::GetSystemAbilityManager(
 {
     return SystemAbilityManager::GetInstance();
 }
-
-void SystemAbilityManagerClient::DestroySystemAbilityManagerObject() {}
 } // namespace OHOS

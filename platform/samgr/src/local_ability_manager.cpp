@@ -1,7 +1,5 @@
 #include "local_ability_manager_host.h"
 
-#include <vector>
-
 #include "system_ability.h"
 #include "system_ability_manager.h"
 
@@ -15,10 +13,8 @@ LocalAbilityManager &LocalAbilityManager::GetInstance()
 
 LocalAbilityManager::LocalAbilityManager()
 {
-    OHOS::SystemAbilityManager::GetInstance()->SetAbilityLoader({
-        [](int32_t id) { return GetInstance().StartAbility(id); },
-        [](int32_t id) { return GetInstance().StopAbility(id); },
-    });
+    OHOS::SystemAbilityManager::GetInstance()->SetAbilityLoader(
+        [](int32_t id) { return GetInstance().StartAbility(id); });
 }
 
 bool LocalAbilityManager::IsRegistered(int32_t systemAbilityId)
@@ -32,36 +28,8 @@ bool LocalAbilityManager::StartAbility(int32_t systemAbilityId)
     if (ability == nullptr) {
         return false;
     }
-    ability->Start();
+    ability->OnStart();
     return true;
-}
-
-bool LocalAbilityManager::StopAbility(int32_t systemAbilityId)
-{
-    OHOS::SystemAbility *ability = Find(systemAbilityId);
-    if (ability == nullptr) {
-        return false;
-    }
-    ability->Stop();
-    return true;
-}
-
-size_t LocalAbilityManager::StartRunOnCreateAbilities()
-{
-    std::vector<int32_t> ids;
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        for (const auto &[id, ability] : abilities_) {
-            if (ability->IsRunOnCreate()) {
-                ids.push_back(id);
-            }
-        }
-    }
-    size_t started = 0;
-    for (int32_t id : ids) {
-        started += StartAbility(id) ? 1 : 0;
-    }
-    return started;
 }
 
 void LocalAbilityManager::FailNextPublish(bool fail)
@@ -73,13 +41,13 @@ void LocalAbilityManager::FailNextPublish(bool fail)
 bool LocalAbilityManager::AddAbility(OHOS::SystemAbility *ability)
 {
     std::lock_guard<std::mutex> lock(mutex_);
-    return abilities_.emplace(ability->GetSystemAbilitId(), ability).second;
+    return abilities_.emplace(ability->saId_, ability).second;
 }
 
 void LocalAbilityManager::RemoveAbility(const OHOS::SystemAbility *ability)
 {
     std::lock_guard<std::mutex> lock(mutex_);
-    auto it = abilities_.find(ability->GetSystemAbilitId());
+    auto it = abilities_.find(ability->saId_);
     if (it != abilities_.end() && it->second == ability) {
         abilities_.erase(it);
     }

@@ -4,7 +4,6 @@
 #include <functional>
 #include <map>
 #include <mutex>
-#include <vector>
 
 #include "if_system_ability_manager.h"
 #include "iremote_stub.h"
@@ -14,45 +13,29 @@ namespace OHOS {
 // publish and hands out what a client process would get for them: a proxy.
 class SystemAbilityManager : public IRemoteStub<ISystemAbilityManager> {
 public:
-    // How the manager starts or stops an ability of this process on demand (the service host
-    // installs it); each returns whether the ability is known.
-    struct AbilityLoader {
-        std::function<bool(int32_t)> load;
-        std::function<bool(int32_t)> unload;
-    };
-    // Told whether an ability was added (true) or removed (false).
-    using StatusListener = std::function<void(int32_t systemAbilityId, bool added)>;
+    // How the manager starts an ability of this process on demand (the service host installs
+    // it); returns whether the ability is known.
+    using AbilityLoader = std::function<bool(int32_t)>;
 
     static sptr<SystemAbilityManager> GetInstance();
 
     void SetAbilityLoader(const AbilityLoader &loader);
-    // Registers `listener` for `owner`; it hears at once if the ability is already published.
-    bool AddStatusListener(int32_t systemAbilityId, const void *owner, const StatusListener &listener);
-    bool RemoveStatusListener(int32_t systemAbilityId, const void *owner);
-    void RemoveStatusListeners(const void *owner);
 
-    std::vector<std::u16string> ListSystemAbilities(unsigned int dumpFlags) override;
     sptr<IRemoteObject> GetSystemAbility(int32_t systemAbilityId) override;
     sptr<IRemoteObject> CheckSystemAbility(int32_t systemAbilityId) override;
-    sptr<IRemoteObject> GetSystemAbility(int32_t systemAbilityId, const std::string &deviceId) override;
-    sptr<IRemoteObject> CheckSystemAbility(int32_t systemAbilityId, const std::string &deviceId) override;
-    sptr<IRemoteObject> CheckSystemAbility(int32_t systemAbilityId, bool &isExist) override;
     int32_t RemoveSystemAbility(int32_t systemAbilityId) override;
     int32_t AddSystemAbility(int32_t systemAbilityId, const sptr<IRemoteObject> &ability,
         const SAExtraProp &extraProp) override;
     sptr<IRemoteObject> LoadSystemAbility(int32_t systemAbilityId, int32_t timeout) override;
-    int32_t UnloadSystemAbility(int32_t systemAbilityId) override;
 
 private:
     SystemAbilityManager() = default;
 
     sptr<IRemoteObject> Find(int32_t systemAbilityId);
-    void Notify(int32_t systemAbilityId, bool added);
 
     std::mutex mutex_;
     std::map<int32_t, sptr<IRemoteObject>> abilities_;
     AbilityLoader loader_;
-    std::map<int32_t, std::map<const void *, StatusListener>> listeners_;
 };
 } // namespace OHOS
 

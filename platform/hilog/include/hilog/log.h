@@ -2,6 +2,5 @@
 #define HIVIEWDFX_HILOG_H
 
 #include "hilog/log_c.h"
-#include "hilog/log_cpp.h"
 
 #endif // HIVIEWDFX_HILOG_H

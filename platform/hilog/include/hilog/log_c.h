@@ -2,18 +2,9 @@
 #define HIVIEWDFX_HILOG_C_H
 
 #include <stdarg.h>
-#include <stdbool.h>
 
 #ifdef __cplusplus
 extern "C" {
-#endif
-
-#ifndef LOG_DOMAIN
-#define LOG_DOMAIN 0
-#endif
-
-#ifndef LOG_TAG
-#define LOG_TAG NULL
 #endif
 
 typedef enum {
@@ -40,18 +31,6 @@ typedef enum {
 // %{public}/%{private} qualifiers, so the attribute is left out here.
 int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt, ...);
 
-bool HiLogIsLoggable(unsigned int domain, const char *tag, LogLevel level);
-
-typedef void (*LogCallback)(const LogType type, const LogLevel level, const unsigned int domain, const char *tag,
-    const char *msg);
-void LOG_SetCallback(LogCallback callback);
-
-#define HILOG_IMPL(type, level, domain, tag, ...) HiLogPrint(type, level, domain, tag, ##__VA_ARGS__)
-#define HILOG_DEBUG(type, ...) ((void)HILOG_IMPL((type), LOG_DEBUG, LOG_DOMAIN, LOG_TAG, __VA_ARGS__))
-#define HILOG_INFO(type, ...) ((void)HILOG_IMPL((type), LOG_INFO, LOG_DOMAIN, LOG_TAG, __VA_ARGS__))
-#define HILOG_WARN(type, ...) ((void)HILOG_IMPL((type), LOG_WARN, LOG_DOMAIN, LOG_TAG, __VA_ARGS__))
-#define HILOG_ERROR(type, ...) ((void)HILOG_IMPL((type), LOG_ERROR, LOG_DOMAIN, LOG_TAG, __VA_ARGS__))
-#define HILOG_FATAL(type, ...) ((void)HILOG_IMPL((type), LOG_FATAL, LOG_DOMAIN, LOG_TAG, __VA_ARGS__))
 
 #ifdef __cplusplus
 }
