@@ -86,11 +86,18 @@ ffrt::future<CURLcode> TransferLoop::Hand(CURL *curl, const std::string &trustCo
     transfer.curl = curl;
     transfer.trustContext = trustContext;
     ffrt::future<CURLcode> result = transfer.done.get_future();
-    std::lock_guard<ffrt::mutex> lock(queueMutex_);
-    if (stopping_) {
-        return Finished(NOT_RUN);
+    {
+        std::lock_guard<ffrt::mutex> lock(queueMutex_);
+        if (stopping_) {
+            return Finished(NOT_RUN);
+        }
+        queue_.push_back(std::move(transfer));
+        // A queue that already held transfers has its wake-up on the way.
+        if (queue_.size() > 1) {
+            return result;
+        }
     }
-    queue_.push_back(std::move(transfer));
+    // Outside the lock: the woken loop takes the queue at once instead of waiting for the lock.
     const CURLMcode code = curl_multi_wakeup(multi_.get());
     if (code != CURLM_OK) {
         // The loop still takes the transfer on its next turn, at most MAX_POLL_MS later.

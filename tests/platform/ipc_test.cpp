@@ -1,10 +1,14 @@
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstring>
 #include <functional>
+#include <future>
 #include <mutex>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -336,5 +340,129 @@ TEST(IpcOneWayTest, WaitingForDeliveryFromInsideTheCalleeReturnsAtOnce)
     ASSERT_EQ(Send(remote, 0, MessageOption::TF_ASYNC, reply), ERR_NONE);
     ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(remote, 10s));
     EXPECT_EQ(waited, 0);
+}
+
+// The kernel threads that calls ran on, across callees.
+class ThreadLog {
+public:
+    void Note()
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        threads_.insert(static_cast<pid_t>(syscall(SYS_gettid)));
+    }
+    size_t Threads()
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        return threads_.size();
+    }
+
+private:
+    std::mutex mutex_;
+    std::set<pid_t> threads_;
+};
+
+// A callee that notes the thread each call runs on and, while `hold` is set, keeps its calls
+// until the gate opens.
+class ThreadNoter : public IPCObjectStub {
+public:
+    explicit ThreadNoter(ThreadLog &log) : IPCObjectStub(u"host.test.ThreadNoter"), log_(log) {}
+
+    int OnRemoteRequest(uint32_t, MessageParcel &, MessageParcel &reply, MessageOption &) override
+    {
+        log_.Note();
+        if (hold) {
+            {
+                std::lock_guard<std::mutex> lock(mutex_);
+                ++held_;
+            }
+            heldChanged_.notify_all();
+            opened_.wait();
+        }
+        reply.WriteInt32(1);
+        return ERR_NONE;
+    }
+
+    void Open()
+    {
+        gate_.set_value();
+    }
+    bool WaitHeld(int calls, std::chrono::milliseconds timeout)
+    {
+        std::unique_lock<std::mutex> lock(mutex_);
+        return heldChanged_.wait_for(lock, timeout, [this, calls] { return held_ >= calls; });
+    }
+
+    bool hold = false;
+
+private:
+    ThreadLog &log_;
+    std::mutex mutex_;
+    std::condition_variable heldChanged_;
+    int held_ = 0;
+    std::promise<void> gate_;
+    std::shared_future<void> opened_ = gate_.get_future().share();
+};
+
+// The callee's IPC threads are a bounded pool, reused from call to call, whether the calls are
+// synchronous or one-way lanes of many objects.
+TEST(IpcThreadPoolTest, CallsReuseABoundedSetOfThreads)
+{
+    ThreadLog syncLog;
+    sptr<ThreadNoter> sync = new ThreadNoter(syncLog);
+    sptr<IRemoteObject> toSync = HostPlatform::MakeRemoteProxy(sync);
+    for (int i = 0; i < 200; i++) {
+        MessageParcel reply;
+        ASSERT_EQ(Send(toSync, i, MessageOption::TF_SYNC, reply), ERR_NONE);
+    }
+    EXPECT_LE(syncLog.Threads(), 16u);
+
+    ThreadLog laneLog;
+    std::vector<sptr<IRemoteObject>> lanes;
+    for (int i = 0; i < 50; i++) {
+        lanes.push_back(HostPlatform::MakeRemoteProxy(sptr<ThreadNoter>(new ThreadNoter(laneLog))));
+    }
+    for (int round = 0; round < 4; round++) {
+        for (const sptr<IRemoteObject> &lane : lanes) {
+            MessageParcel reply;
+            ASSERT_EQ(Send(lane, round, MessageOption::TF_ASYNC, reply), ERR_NONE);
+        }
+    }
+    for (const sptr<IRemoteObject> &lane : lanes) {
+        ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(lane, 10s));
+    }
+    EXPECT_LE(laneLog.Threads(), 16u);
+}
+
+// More stuck callees than the pool has threads: another callee is still served.
+TEST(IpcThreadPoolTest, CalleesStuckBeyondThePoolDoNotHoldOthers)
+{
+    ThreadLog log;
+    sptr<ThreadNoter> stuck = new ThreadNoter(log);
+    stuck->hold = true;
+    sptr<IRemoteObject> toStuck = HostPlatform::MakeRemoteProxy(stuck);
+    const int stuckCalls = 20;
+    std::vector<std::future<int>> callers;
+    for (int i = 0; i < stuckCalls; i++) {
+        callers.push_back(std::async(std::launch::async, [&toStuck, i] {
+            MessageParcel reply;
+            return Send(toStuck, i, MessageOption::TF_SYNC, reply);
+        }));
+    }
+    // Every thread of the pool is stuck before the other callee is called.
+    ASSERT_TRUE(stuck->WaitHeld(16, 10s));
+    sptr<ThreadNoter> other = new ThreadNoter(log);
+    sptr<IRemoteObject> toOther = HostPlatform::MakeRemoteProxy(other);
+    MessageParcel reply;
+    EXPECT_EQ(Send(toOther, 0, MessageOption::TF_SYNC, reply), ERR_NONE);
+    EXPECT_EQ(reply.ReadInt32(), 1);
+    ASSERT_EQ(Send(toOther, 1, MessageOption::TF_ASYNC, reply), ERR_NONE);
+    EXPECT_TRUE(HostPlatform::WaitOneWayDelivered(toOther, 10s));
+
+    // The calls queued behind the full pool got threads of their own as well.
+    EXPECT_TRUE(stuck->WaitHeld(stuckCalls, 10s));
+    stuck->Open();
+    for (std::future<int> &caller : callers) {
+        EXPECT_EQ(caller.get(), ERR_NONE);
+    }
 }
 } // namespace

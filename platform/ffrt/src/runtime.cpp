@@ -137,10 +137,18 @@ void Runtime::Schedule(RuntimeTask *task, uint64_t delayUs, bool atHead)
     if (task->queue != nullptr) {
         ++task->queue->delayed;
     }
-    auto position = timers_.insert(task).first;
-    bool earliest = position == timers_.begin();
+    timers_.insert(task);
     EnsureTimer();
-    if (earliest) {
+    TimerDueAt(task->due);
+}
+
+// Wakes the timer thread only when it would otherwise sleep past `due`: a request's time
+// limit is usually later than one already pending, and waking the timer for each would cost
+// two context switches per timed wait.
+void Runtime::TimerDueAt(Clock::time_point due)
+{
+    if (due < timerWakesAt_) {
+        timerWakesAt_ = Clock::time_point::min();
         timerChanged_.notify_one();
     }
 }
@@ -181,7 +189,7 @@ void Runtime::PushToPool(RuntimeTask *task)
 
 // Wakes or starts a worker for every ready or resumable task that a free running slot allows,
 // within the thread limit.
-void Runtime::Kick(WorkerGroup &group)
+void Runtime::Kick(WorkerGroup &group, size_t looking)
 {
     const size_t freeSlots = group.running < workerLimit_ ? workerLimit_ - group.running : 0;
     const size_t startable = std::min(group.ready.size() + group.resuming.size(), freeSlots);
@@ -191,8 +199,11 @@ void Runtime::Kick(WorkerGroup &group)
             break;
         }
     }
-    if (startable > 0) {
-        group.workAvailable.notify_all();
+    // One waiting worker per task it can start: waking them all would have every idle worker
+    // contend for the lock only to find the work taken.
+    const size_t toWake = std::min(startable, group.idle);
+    for (size_t woken = looking; woken < toWake; ++woken) {
+        group.workAvailable.notify_one();
     }
 }
 
@@ -278,7 +289,8 @@ void Runtime::RunNext(Lock &lock, WorkerGroup &group, size_t groupIndex)
     --group.running;
     ++group.idle;
     AfterSwitch(task);
-    Kick(group);
+    // This worker looks for the next task itself before it waits.
+    Kick(group, 1);
 }
 
 void Runtime::TaskMain(void *arg)
@@ -340,9 +352,7 @@ bool Runtime::Suspend(Waiter &waiter, std::unique_lock<std::mutex> *guard, std::
         waiter.deadlineEntry_ = deadlines_.emplace(*deadline, &waiter);
         waiter.hasDeadlineEntry_ = true;
         EnsureTimer();
-        if (waiter.deadlineEntry_ == deadlines_.begin()) {
-            timerChanged_.notify_one();
-        }
+        TimerDueAt(*deadline);
     }
     if (guard != nullptr) {
         guard->unlock();
@@ -446,14 +456,18 @@ void Runtime::TimerMain()
     for (;;) {
         EndDueWaits();
         if (timers_.empty() && deadlines_.empty()) {
+            timerWakesAt_ = Clock::time_point::max();
             timerChanged_.wait(lock);
+            timerWakesAt_ = Clock::time_point::min();
             continue;
         }
         // A copy: the task may be cancelled and freed while we wait, and wait_until reads its
         // deadline again after waking.
         const Clock::time_point due = NextTimerDue();
         if (Clock::now() < due) {
+            timerWakesAt_ = due;
             timerChanged_.wait_until(lock, due);
+            timerWakesAt_ = Clock::time_point::min();
             continue;
         }
         if (timers_.empty() || (*timers_.begin())->due > due) {

@@ -109,7 +109,8 @@ private:
     void MakeDue(RuntimeTask *task, bool atHead);
     void Dispatch(TaskQueue &queue);
     void PushToPool(RuntimeTask *task);
-    void Kick(WorkerGroup &group);
+    // `looking`: workers of the group about to look for work on their own, not to be woken.
+    void Kick(WorkerGroup &group, size_t looking = 0);
     bool SpawnWorker(size_t groupIndex);
     void CountThread(WorkerGroup &group, bool added);
     void EnsureTimer();
@@ -122,6 +123,7 @@ private:
     void ResumeLocked(RuntimeTask *task);
     void EndDueWaits();
     Clock::time_point NextTimerDue() const;
+    void TimerDueAt(Clock::time_point due);
     static void ReturnFreeMemory();
     void TimerMain();
     bool Withdraw(RuntimeTask *task);
@@ -148,6 +150,8 @@ private:
     size_t suspended_ = 0;   // switched out in a runtime wait
     uint64_t nextTaskId_ = 0;
     bool timerStarted_ = false;
+    // When the timer thread wakes on its own; min() while it runs and will look anyway.
+    Clock::time_point timerWakesAt_ = Clock::time_point::min();
     std::atomic<bool> queueSubmitBroken_ {false};
 };
 

@@ -1,8 +1,6 @@
 #include "one_way_delivery.h"
 
-#include <system_error>
-#include <thread>
-
+#include "ipc_thread_pool.h"
 #include "ipc_types.h"
 
 namespace OHOS {
@@ -26,9 +24,7 @@ int OneWayDelivery::Post(std::unique_ptr<IpcTransaction> transaction)
     if (!opened) {
         return ERR_NONE;
     }
-    try {
-        std::thread(&OneWayDelivery::Serve, this, target).detach();
-    } catch (const std::system_error &) {
+    if (!IpcThreadPool::Get().Run([this, target] { Serve(target); })) {
         lanes_.erase(lane);
         return IPC_STUB_INVOKE_THREAD_ERR;
     }
@@ -42,6 +38,8 @@ void OneWayDelivery::Serve(const IPCObjectStub *target)
     for (;;) {
         Lane &lane = lanes_.at(target);
         if (lane.empty()) {
+            // The pool thread goes on to other work, no longer this lane's.
+            t_servedTarget = nullptr;
             lanes_.erase(target);
             laneClosed_.notify_all();
             return;

@@ -13,8 +13,7 @@
 namespace OHOS {
 // The callee side of one-way calls. The driver hands an object its one-way calls one at a time,
 // in the order they were sent; calls to different objects do not wait for each other. Each
-// object with calls pending has a lane served by a thread of its own that ends once the lane
-// is empty.
+// object with calls pending has a lane served by one pool thread until the lane is empty.
 class OneWayDelivery {
 public:
     static OneWayDelivery &Get();

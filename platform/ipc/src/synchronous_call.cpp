@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <system_error>
-#include <thread>
 
+#include "ipc_thread_pool.h"
 #include "ipc_types.h"
 #include "message_option.h"
 
@@ -12,9 +11,9 @@ namespace OHOS {
 int SynchronousCall::Send(std::unique_ptr<IpcTransaction> transaction, MessageParcel &reply, int waitSeconds)
 {
     auto call = std::make_shared<SynchronousCall>();
-    try {
-        std::thread(&SynchronousCall::Handle, call, std::move(transaction)).detach();
-    } catch (const std::system_error &) {
+    // Shared only so the work can be copied into the pool; the callee is its one owner.
+    std::shared_ptr<IpcTransaction> shared = std::move(transaction);
+    if (!IpcThreadPool::Get().Run([call, shared = std::move(shared)]() mutable { Handle(call, shared); })) {
         return IPC_STUB_INVOKE_THREAD_ERR;
     }
     const std::chrono::seconds wait(waitSeconds > 0 ? waitSeconds : MessageOption::TF_WAIT_TIME);
@@ -29,7 +28,7 @@ int SynchronousCall::Send(std::unique_ptr<IpcTransaction> transaction, MessagePa
     return call->result_;
 }
 
-void SynchronousCall::Handle(const std::shared_ptr<SynchronousCall> &call, std::unique_ptr<IpcTransaction> transaction)
+void SynchronousCall::Handle(const std::shared_ptr<SynchronousCall> &call, std::shared_ptr<IpcTransaction> &transaction)
 {
     int result = transaction->Deliver(call->reply_);
     // The stub and the request data are let go before the caller learns of the reply, as the

@@ -9,8 +9,8 @@
 #include "message_parcel.h"
 
 namespace OHOS {
-// A synchronous call as two processes see it: the callee handles it on an IPC thread of its
-// own, while the caller waits for the reply no longer than the option's wait time. A callee
+// A synchronous call as two processes see it: the callee handles it on one of its IPC threads,
+// while the caller waits for the reply no longer than the option's wait time. A callee
 // that takes longer goes on undisturbed; its late reply is dropped.
 class SynchronousCall {
 public:
@@ -21,7 +21,7 @@ public:
     static int Send(std::unique_ptr<IpcTransaction> transaction, MessageParcel &reply, int waitSeconds);
 
 private:
-    static void Handle(const std::shared_ptr<SynchronousCall> &call, std::unique_ptr<IpcTransaction> transaction);
+    static void Handle(const std::shared_ptr<SynchronousCall> &call, std::shared_ptr<IpcTransaction> &transaction);
 
     std::mutex mutex_;
     std::condition_variable answered_;

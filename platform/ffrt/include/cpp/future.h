@@ -56,6 +56,9 @@ protected:
         }
         store();
         ready_ = true;
+        // Woken after the unlock, a waiter finds the mutex free instead of parking on it again.
+        // The promise still holds the state, so it outlives the notify.
+        lk.unlock();
         cond_.notify_all();
     }
 
