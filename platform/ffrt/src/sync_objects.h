@@ -26,17 +26,11 @@ void StoreObject(Storage *storage, Object *object)
 }
 
 // Waiters queue in arrival order and unlocking hands the mutex straight to the first of them, so
-// a task that is resumed late still gets it. The owner is the task, which may change threads
-// while it holds the mutex, or the thread outside tasks. `guard` is held only briefly: never
-// across a wait or a switch.
+// a task that is resumed late still gets it. `guard` is held only briefly: never across a wait
+// or a switch.
 struct MutexObject {
-    explicit MutexObject(bool isRecursive) : recursive(isRecursive) {}
-
     std::mutex guard;
-    const bool recursive;
     bool locked = false;
-    const void *owner = nullptr;
-    size_t depth = 0;
     std::deque<Waiter *> waiters;
 };
 
