@@ -1,17 +1,18 @@
+#include <algorithm>
 #include <atomic>
-#include <chrono>
-#include <condition_variable>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <exception>
 #include <fstream>
+#include <functional>
 #include <future>
 #include <memory>
-#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -151,40 +152,6 @@ TEST(FfrtPoolTest, TaskStateFollowsTheTaskAcrossSwitches)
     }
     ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
     EXPECT_EQ(wrong.load(), 0);
-}
-
-// A task blocked in a std:: wait keeps its slot: with every slot held that way, nothing else runs
-// until one of them is let go.
-TEST(FfrtPoolTest, TasksBlockedInStdWaitsKeepTheirWorkers)
-{
-    const size_t limit = HostPlatform::FfrtRunningWorkerLimit();
-    std::mutex mutex;
-    std::condition_variable changed;
-    size_t blocked = 0;
-    bool released = false;
-    std::atomic<bool> lateRan {false};
-    for (size_t i = 0; i < limit; ++i) {
-        ffrt::submit([&] {
-            std::unique_lock<std::mutex> lock(mutex);
-            ++blocked;
-            changed.notify_all();
-            changed.wait(lock, [&] { return released; });
-        });
-    }
-    {
-        std::unique_lock<std::mutex> lock(mutex);
-        ASSERT_TRUE(changed.wait_for(lock, SETTLE_TIMEOUT, [&] { return blocked == limit; }));
-    }
-    ffrt::submit([&lateRan] { lateRan = true; });
-    EXPECT_EQ(HostPlatform::FfrtRunningCount(), limit);
-    EXPECT_FALSE(lateRan.load());
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        released = true;
-    }
-    changed.notify_all();
-    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
-    EXPECT_TRUE(lateRan.load());
 }
 
 TEST(FfrtSyncTest, MutexExcludesAcrossSuspendedTasks)

@@ -2,7 +2,6 @@
 #include <chrono>
 #include <mutex>
 #include <optional>
-#include <new>
 
 #include "c/condition_variable.h"
 #include "c/mutex.h"
@@ -12,7 +11,6 @@
 using HostFfrt::CondObject;
 using HostFfrt::LoadObject;
 using HostFfrt::MutexObject;
-using HostFfrt::StoreObject;
 using HostFfrt::Waiter;
 
 namespace {
@@ -60,12 +58,7 @@ void WakeAll(CondObject &cond)
 
 int ffrt_cond_init(ffrt_cond_t *cond, const ffrt_condattr_t *)
 {
-    if (cond == nullptr) {
-        return ffrt_error_inval;
-    }
-    auto *object = new (std::nothrow) CondObject();
-    StoreObject(cond, object);
-    return object == nullptr ? ffrt_error_nomem : ffrt_success;
+    return HostFfrt::CreateObject<CondObject>(cond);
 }
 
 int ffrt_cond_broadcast(ffrt_cond_t *cond)
@@ -104,10 +97,5 @@ int ffrt_cond_timedwait(ffrt_cond_t *cond, ffrt_mutex_t *mutex, const struct tim
 
 int ffrt_cond_destroy(ffrt_cond_t *cond)
 {
-    if (cond == nullptr) {
-        return ffrt_error_inval;
-    }
-    delete LoadObject<CondObject>(cond);
-    StoreObject<CondObject>(cond, nullptr);
-    return ffrt_success;
+    return HostFfrt::DestroyObject<CondObject>(cond);
 }

@@ -1,5 +1,4 @@
 #include <mutex>
-#include <new>
 #include <optional>
 
 #include "c/mutex.h"
@@ -8,17 +7,11 @@
 
 using HostFfrt::LoadObject;
 using HostFfrt::MutexObject;
-using HostFfrt::StoreObject;
 using HostFfrt::Waiter;
 
 int ffrt_mutex_init(ffrt_mutex_t *mutex, const ffrt_mutexattr_t *)
 {
-    if (mutex == nullptr) {
-        return ffrt_error_inval;
-    }
-    auto *object = new (std::nothrow) MutexObject();
-    StoreObject(mutex, object);
-    return object == nullptr ? ffrt_error_nomem : ffrt_success;
+    return HostFfrt::CreateObject<MutexObject>(mutex);
 }
 
 namespace {
@@ -66,10 +59,5 @@ int ffrt_mutex_unlock(ffrt_mutex_t *mutex)
 
 int ffrt_mutex_destroy(ffrt_mutex_t *mutex)
 {
-    if (mutex == nullptr) {
-        return ffrt_error_inval;
-    }
-    delete LoadObject<MutexObject>(mutex);
-    StoreObject<MutexObject>(mutex, nullptr);
-    return ffrt_success;
+    return HostFfrt::DestroyObject<MutexObject>(mutex);
 }

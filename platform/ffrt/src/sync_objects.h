@@ -4,7 +4,9 @@
 #include <cstring>
 #include <deque>
 #include <mutex>
+#include <new>
 
+#include "c/type_def.h"
 #include "waiter.h"
 
 namespace HostFfrt {
@@ -23,6 +25,29 @@ template <typename Object, typename Storage>
 void StoreObject(Storage *storage, Object *object)
 {
     std::memcpy(storage->storage, &object, sizeof(object));
+}
+
+// What the init and destroy calls of both objects do.
+template <typename Object, typename Storage>
+int CreateObject(Storage *storage)
+{
+    if (storage == nullptr) {
+        return ffrt_error_inval;
+    }
+    auto *object = new (std::nothrow) Object();
+    StoreObject(storage, object);
+    return object == nullptr ? ffrt_error_nomem : ffrt_success;
+}
+
+template <typename Object, typename Storage>
+int DestroyObject(Storage *storage)
+{
+    if (storage == nullptr) {
+        return ffrt_error_inval;
+    }
+    delete LoadObject<Object>(storage);
+    StoreObject<Object>(storage, nullptr);
+    return ffrt_success;
 }
 
 // Waiters queue in arrival order and unlocking hands the mutex straight to the first of them, so
