@@ -21,10 +21,22 @@ constexpr auto SETTLE_TIMEOUT = 30s;
 // Slack for a loaded machine; only lateness is tolerated, never earliness.
 constexpr auto LATENESS_ALLOWED = 2s;
 
-uint64_t Micros(std::chrono::milliseconds delay)
-{
-    return static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(delay).count());
-}
+// Task attributes that hold a task back for `delay`.
+class DelayAttr {
+public:
+    explicit DelayAttr(std::chrono::milliseconds delay)
+    {
+        ffrt_task_attr_init(&attr_);
+        ffrt_task_attr_set_delay(&attr_, static_cast<uint64_t>(delay.count()) * 1000);
+    }
+    ~DelayAttr() { ffrt_task_attr_destroy(&attr_); }
+    DelayAttr(const DelayAttr &) = delete;
+    DelayAttr &operator=(const DelayAttr &) = delete;
+    const ffrt_task_attr_t *Get() const { return &attr_; }
+
+private:
+    ffrt_task_attr_t attr_;
+};
 
 TEST(FfrtTimingTest, DelayedPoolTaskNeverRunsEarly)
 {
@@ -32,7 +44,8 @@ TEST(FfrtTimingTest, DelayedPoolTaskNeverRunsEarly)
     std::promise<Clock::time_point> ranAt;
     std::future<Clock::time_point> result = ranAt.get_future();
     Clock::time_point submittedAt = Clock::now();
-    ffrt::submit([&ranAt] { ranAt.set_value(Clock::now()); }, ffrt::task_attr().delay(Micros(delay)));
+    ffrt_submit_base(ffrt::create_function_wrapper([&ranAt] { ranAt.set_value(Clock::now()); }), nullptr, nullptr,
+        DelayAttr(delay).Get());
     ASSERT_EQ(result.wait_for(delay + LATENESS_ALLOWED), std::future_status::ready);
     Clock::duration waited = result.get() - submittedAt;
     EXPECT_GE(waited, delay);
@@ -47,15 +60,11 @@ TEST(FfrtTimingTest, SerialQueueRunsDelayedTasksWhenDueAndInDueOrder)
     const std::vector<std::chrono::milliseconds> delays {300ms, 100ms, 200ms, 0ms};
     Clock::time_point submittedAt = Clock::now();
     for (size_t i = 0; i < delays.size(); ++i) {
-        ffrt_task_attr_t attr;
-        ffrt_task_attr_init(&attr);
-        ffrt_task_attr_set_delay(&attr, Micros(delays[i]));
         int index = static_cast<int>(i);
-        ffrt_queue_submit(queue, ffrt::create_function_wrapper([&, index] {
+        ffrt_task_handle_destroy(ffrt_queue_submit_h(queue, ffrt::create_function_wrapper([&, index] {
             std::lock_guard<std::mutex> lock(mutex);
             runs.emplace_back(index, Clock::now() - submittedAt);
-        }, ffrt_function_kind_queue), &attr);
-        ffrt_task_attr_destroy(&attr);
+        }, ffrt_function_kind_queue), DelayAttr(delays[i]).Get()));
     }
     ASSERT_TRUE(HostPlatform::FfrtWaitIdle(SETTLE_TIMEOUT));
     ffrt_queue_destroy(queue);
@@ -169,14 +178,16 @@ TEST(FfrtTimingTest, TimedRuntimeWaitsNeverEndEarly)
         ffrt::condition_variable never;
         std::unique_lock<ffrt::mutex> lock(mutex);
         Clock::time_point start = Clock::now();
-        EXPECT_EQ(never.wait_for(lock, wait), ffrt::cv_status::timeout);
+        EXPECT_EQ(never.wait_until(lock, start + wait), ffrt::cv_status::timeout);
         Clock::duration waited = Clock::now() - start;
         start = Clock::now();
         ffrt::this_task::sleep_for(wait);
         return std::min(waited, Clock::now() - start);
     };
     EXPECT_GE(measure(), wait);
-    ffrt::future<Clock::duration> inTask = ffrt::async(measure);
-    EXPECT_GE(inTask.get(), wait);
+    auto inTask = std::make_shared<ffrt::packaged_task<Clock::duration()>>(measure);
+    ffrt::future<Clock::duration> waitedInTask = inTask->get_future();
+    ffrt::submit([inTask] { (*inTask)(); });
+    EXPECT_GE(waitedInTask.get(), wait);
 }
 } // namespace

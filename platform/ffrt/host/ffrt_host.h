@@ -28,8 +28,8 @@ void FfrtResetPeaks();
 // threads (VORN_FFRT_THREADS, default 16). Read once, when the runtime starts.
 size_t FfrtRunningWorkerLimit();
 size_t FfrtWorkerThreadLimit();
-// While set, queue submissions fail: ffrt_queue_submit_h returns null and every ffrt_queue_submit*
-// destroys its task without running it. Lets tests take the paths for a runtime gone bad.
+// While set, queue submissions fail: ffrt_queue_submit_h destroys its task without running it and
+// returns null. Lets tests take the paths for a runtime gone bad.
 void FfrtSetQueueSubmitBroken(bool broken);
 } // namespace HostPlatform
 

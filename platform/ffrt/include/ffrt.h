@@ -13,7 +13,6 @@
 #include "cpp/mutex.h"
 #include "cpp/condition_variable.h"
 #include "cpp/sleep.h"
-#include "cpp/queue.h"
 #endif
 
 #endif // FFRT_API_FFRT_H

@@ -2,7 +2,6 @@
 #define FFRT_INNER_API_FFRT_INNER_H
 
 #include "ffrt.h"
-#include "c/queue_ext.h"
 
 #ifdef __cplusplus
 #include "cpp/future.h"

@@ -1,7 +1,7 @@
 #ifndef HOST_FFRT_ATTR_STORAGE_H
 #define HOST_FFRT_ATTR_STORAGE_H
 
-#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <type_traits>
 
@@ -9,65 +9,37 @@
 #include "c/task.h"
 
 namespace HostFfrt {
-// The attribute structs only promise 4-byte alignment, so their contents are copied in and out
-// with memcpy instead of being accessed in place.
-constexpr size_t TASK_NAME_CAPACITY = 96;
-
+// What the host keeps of the attributes; a default-constructed one is what init sets.
 struct TaskAttrData {
-    char name[TASK_NAME_CAPACITY]; // first, so that ffrt_task_attr_get_name can point into the storage
-    uint64_t delayUs;
-    uint64_t timeoutUs;
-    uint64_t stackSize;
-    int32_t qos;
-    int32_t priority;
+    uint64_t delayUs = 0;
 };
 
 struct QueueAttrData {
-    ffrt_function_header_t *timeoutCallback;
-    uint64_t timeoutUs;
-    int32_t qos;
-    int32_t maxConcurrency;
+    int32_t qos = ffrt_qos_default;
 };
 
+// The attribute structs only promise 4-byte alignment, so their contents are copied in and out
+// with memcpy instead of being accessed in place. A null attribute reads as the defaults.
 template <typename Data, typename Attr>
-Data LoadAttr(const Attr &attr)
+Data LoadAttr(const Attr *attr)
 {
-    static_assert(std::is_trivially_copyable_v<Data> && sizeof(Data) <= sizeof(attr.storage));
+    static_assert(std::is_trivially_copyable_v<Data> && sizeof(Data) <= sizeof(attr->storage));
     Data data;
-    std::memcpy(&data, attr.storage, sizeof(data));
+    if (attr != nullptr) {
+        std::memcpy(&data, attr->storage, sizeof(data));
+    }
     return data;
 }
 
 template <typename Data, typename Attr>
-void StoreAttr(Attr &attr, const Data &data)
+int StoreAttr(Attr *attr, const Data &data)
 {
-    static_assert(std::is_trivially_copyable_v<Data> && sizeof(Data) <= sizeof(attr.storage));
-    std::memcpy(attr.storage, &data, sizeof(data));
-}
-
-// Applies `change` to the data held by `attr`; a null attribute is ignored.
-template <typename Data, typename Attr, typename Change>
-void UpdateAttr(Attr *attr, Change change)
-{
+    static_assert(std::is_trivially_copyable_v<Data> && sizeof(Data) <= sizeof(attr->storage));
     if (attr == nullptr) {
-        return;
+        return ffrt_error;
     }
-    Data data = LoadAttr<Data>(*attr);
-    change(data);
-    StoreAttr(*attr, data);
-}
-
-TaskAttrData DefaultTaskAttr();
-QueueAttrData DefaultQueueAttr();
-
-inline TaskAttrData LoadTaskAttr(const ffrt_task_attr_t *attr)
-{
-    return attr == nullptr ? DefaultTaskAttr() : LoadAttr<TaskAttrData>(*attr);
-}
-
-inline QueueAttrData LoadQueueAttr(const ffrt_queue_attr_t *attr)
-{
-    return attr == nullptr ? DefaultQueueAttr() : LoadAttr<QueueAttrData>(*attr);
+    std::memcpy(attr->storage, &data, sizeof(data));
+    return ffrt_success;
 }
 } // namespace HostFfrt
 

@@ -2,7 +2,6 @@
 #include <chrono>
 #include <mutex>
 #include <optional>
-#include <new>
 
 #include "c/condition_variable.h"
 #include "c/mutex.h"
@@ -12,7 +11,6 @@
 using HostFfrt::CondObject;
 using HostFfrt::LoadObject;
 using HostFfrt::MutexObject;
-using HostFfrt::StoreObject;
 using HostFfrt::Waiter;
 
 namespace {
@@ -21,12 +19,9 @@ CondObject *Cond(ffrt_cond_t *cond)
     return cond == nullptr ? nullptr : LoadObject<CondObject>(cond);
 }
 
-// Only a normal mutex can be waited with: a recursive one held several levels deep would be
-// left held by the wait.
-MutexObject *WaitableMutex(ffrt_mutex_t *mutex)
+MutexObject *Mutex(ffrt_mutex_t *mutex)
 {
-    MutexObject *object = mutex == nullptr ? nullptr : LoadObject<MutexObject>(mutex);
-    return object == nullptr || object->recursive ? nullptr : object;
+    return mutex == nullptr ? nullptr : LoadObject<MutexObject>(mutex);
 }
 
 // Queues the waiter before the mutex is let go, so a notify made after that is never missed.
@@ -50,38 +45,20 @@ bool WaitOn(CondObject &cond, ffrt_mutex_t *mutex, std::optional<std::chrono::st
     return woken;
 }
 
-// Wakes waiters in arrival order, skipping those whose deadline claimed them already.
-void WakeWaiters(CondObject &cond, bool all)
+// Wakes waiters in arrival order; those whose deadline claimed them already stay asleep.
+void WakeAll(CondObject &cond)
 {
     std::lock_guard<std::mutex> guard(cond.guard);
-    while (!cond.waiters.empty()) {
-        Waiter *waiter = cond.waiters.front();
-        cond.waiters.pop_front();
-        if (waiter->Wake() && !all) {
-            return;
-        }
+    for (Waiter *waiter : cond.waiters) {
+        waiter->Wake();
     }
+    cond.waiters.clear();
 }
 } // namespace
 
 int ffrt_cond_init(ffrt_cond_t *cond, const ffrt_condattr_t *)
 {
-    if (cond == nullptr) {
-        return ffrt_error_inval;
-    }
-    auto *object = new (std::nothrow) CondObject();
-    StoreObject(cond, object);
-    return object == nullptr ? ffrt_error_nomem : ffrt_success;
-}
-
-int ffrt_cond_signal(ffrt_cond_t *cond)
-{
-    CondObject *object = Cond(cond);
-    if (object == nullptr) {
-        return ffrt_error_inval;
-    }
-    WakeWaiters(*object, false);
-    return ffrt_success;
+    return HostFfrt::CreateObject<CondObject>(cond);
 }
 
 int ffrt_cond_broadcast(ffrt_cond_t *cond)
@@ -90,14 +67,14 @@ int ffrt_cond_broadcast(ffrt_cond_t *cond)
     if (object == nullptr) {
         return ffrt_error_inval;
     }
-    WakeWaiters(*object, true);
+    WakeAll(*object);
     return ffrt_success;
 }
 
 int ffrt_cond_wait(ffrt_cond_t *cond, ffrt_mutex_t *mutex)
 {
     CondObject *object = Cond(cond);
-    MutexObject *held = WaitableMutex(mutex);
+    MutexObject *held = Mutex(mutex);
     if (object == nullptr || held == nullptr) {
         return ffrt_error_inval;
     }
@@ -108,7 +85,7 @@ int ffrt_cond_wait(ffrt_cond_t *cond, ffrt_mutex_t *mutex)
 int ffrt_cond_timedwait(ffrt_cond_t *cond, ffrt_mutex_t *mutex, const struct timespec *time_point)
 {
     CondObject *object = Cond(cond);
-    MutexObject *held = WaitableMutex(mutex);
+    MutexObject *held = Mutex(mutex);
     if (object == nullptr || held == nullptr || time_point == nullptr) {
         return ffrt_error_inval;
     }
@@ -120,10 +97,5 @@ int ffrt_cond_timedwait(ffrt_cond_t *cond, ffrt_mutex_t *mutex, const struct tim
 
 int ffrt_cond_destroy(ffrt_cond_t *cond)
 {
-    if (cond == nullptr) {
-        return ffrt_error_inval;
-    }
-    delete LoadObject<CondObject>(cond);
-    StoreObject<CondObject>(cond, nullptr);
-    return ffrt_success;
+    return HostFfrt::DestroyObject<CondObject>(cond);
 }

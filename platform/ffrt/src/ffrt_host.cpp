@@ -15,27 +15,27 @@ bool FfrtWaitIdle(std::chrono::milliseconds timeout)
 
 size_t FfrtWorkerCount()
 {
-    return HostFfrt::Runtime::Instance().WorkerCount();
+    return HostFfrt::Runtime::Instance().Snapshot().workers;
 }
 
 size_t FfrtPeakWorkerCount()
 {
-    return HostFfrt::Runtime::Instance().PeakWorkerCount();
+    return HostFfrt::Runtime::Instance().Snapshot().peakWorkers;
 }
 
 size_t FfrtRunningCount()
 {
-    return HostFfrt::Runtime::Instance().RunningCount();
+    return HostFfrt::Runtime::Instance().Snapshot().running;
 }
 
 size_t FfrtPeakRunningCount()
 {
-    return HostFfrt::Runtime::Instance().PeakRunningCount();
+    return HostFfrt::Runtime::Instance().Snapshot().peakRunning;
 }
 
 size_t FfrtSuspendedTaskCount()
 {
-    return HostFfrt::Runtime::Instance().SuspendedCount();
+    return HostFfrt::Runtime::Instance().Snapshot().suspended;
 }
 
 void FfrtResetPeaks()

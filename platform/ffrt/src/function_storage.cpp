@@ -3,25 +3,6 @@
 #include <new>
 
 namespace HostFfrt {
-namespace {
-struct PlainFunction {
-    ffrt_function_header_t header;
-    ffrt_function_t func;
-    void *arg;
-};
-static_assert(sizeof(PlainFunction) <= ffrt_auto_managed_function_storage_size);
-
-void ExecPlainFunction(void *storage)
-{
-    auto *plain = static_cast<PlainFunction *>(storage);
-    plain->func(plain->arg);
-}
-
-void DestroyPlainFunction(void *)
-{
-}
-} // namespace
-
 void *AllocFunctionStorage()
 {
     // operator new aligns for any fundamental type, which is what callables placed there need.
@@ -41,15 +22,5 @@ void DropFunction(ffrt_function_header_t *f)
     }
     f->destroy(f);
     ::operator delete(f);
-}
-
-ffrt_function_header_t *WrapPlainFunction(ffrt_function_t func, void *arg)
-{
-    void *storage = AllocFunctionStorage();
-    if (storage == nullptr) {
-        return nullptr;
-    }
-    auto *plain = new (storage) PlainFunction {{ExecPlainFunction, DestroyPlainFunction, {0, 0}}, func, arg};
-    return &plain->header;
 }
 } // namespace HostFfrt

@@ -9,8 +9,6 @@ void *AllocFunctionStorage();
 void ExecuteFunction(ffrt_function_header_t *f);
 // Destroys the function without running it and frees its storage.
 void DropFunction(ffrt_function_header_t *f);
-// Wraps a plain C function and its argument; null when memory is exhausted.
-ffrt_function_header_t *WrapPlainFunction(ffrt_function_t func, void *arg);
 } // namespace HostFfrt
 
 #endif // HOST_FFRT_FUNCTION_STORAGE_H

@@ -32,17 +32,10 @@ constexpr uint64_t MAX_DELAY_US = 100ULL * 365 * 24 * 3600 * 1000 * 1000;
 // thread than it suspended on; it reads thread-local state only through these out-of-line
 // accessors, so no address computed on the old thread is ever reused.
 thread_local RuntimeTask *g_currentTask = nullptr;
-// Children of code that runs outside tasks; a task keeps its own in RuntimeTask::children.
-thread_local std::shared_ptr<WaitGroup> g_threadWaitGroup;
 
 __attribute__((noinline)) RuntimeTask *&CurrentTaskSlot()
 {
     return g_currentTask;
-}
-
-__attribute__((noinline)) std::shared_ptr<WaitGroup> &ThreadWaitGroup()
-{
-    return g_threadWaitGroup;
 }
 
 ExceptionState *ThreadExceptionState()
@@ -98,45 +91,28 @@ RuntimeTask *Runtime::SuspendableTask()
     return task != nullptr && task->fiber != nullptr ? task : nullptr;
 }
 
-std::shared_ptr<WaitGroup> Runtime::CurrentWaitGroup()
-{
-    RuntimeTask *task = CurrentTask();
-    std::shared_ptr<WaitGroup> &group = task != nullptr ? task->children : ThreadWaitGroup();
-    if (group == nullptr) {
-        group = std::make_shared<WaitGroup>();
-    }
-    return group;
-}
-
-RuntimeTask *Runtime::Submit(ffrt_function_header_t *f, const ffrt_task_attr_t *attr, TaskQueue *queue, bool atHead)
+RuntimeTask *Runtime::Submit(ffrt_function_header_t *f, const ffrt_task_attr_t *attr, TaskQueue *queue)
 {
     if (f == nullptr) {
         return nullptr;
     }
-    TaskAttrData data = LoadTaskAttr(attr);
-    std::shared_ptr<WaitGroup> group = queue == nullptr ? CurrentWaitGroup() : nullptr;
-    auto *task = new RuntimeTask(f, data.qos, queue, group, 2);
+    TaskAttrData data = LoadAttr<TaskAttrData>(attr);
+    auto *task = new RuntimeTask(f, queue != nullptr ? queue->qos : ffrt_qos_default, queue, 2);
     Lock lock(mutex_);
     task->id = ++nextTaskId_;
     ++liveTasks_;
-    if (group != nullptr) {
-        ++group->outstanding;
-    }
-    Schedule(task, std::min(data.delayUs, MAX_DELAY_US), atHead);
+    Schedule(task, std::min(data.delayUs, MAX_DELAY_US));
     return task;
 }
 
-void Runtime::Schedule(RuntimeTask *task, uint64_t delayUs, bool atHead)
+void Runtime::Schedule(RuntimeTask *task, uint64_t delayUs)
 {
     if (delayUs == 0) {
-        MakeDue(task, atHead);
+        MakeDue(task);
         return;
     }
     task->state = TaskState::DELAYED;
     task->due = Clock::now() + std::chrono::microseconds(delayUs);
-    if (task->queue != nullptr) {
-        ++task->queue->delayed;
-    }
     timers_.insert(task);
     EnsureTimer();
     TimerDueAt(task->due);
@@ -153,7 +129,7 @@ void Runtime::TimerDueAt(Clock::time_point due)
     }
 }
 
-void Runtime::MakeDue(RuntimeTask *task, bool atHead)
+void Runtime::MakeDue(RuntimeTask *task)
 {
     TaskQueue *queue = task->queue;
     if (queue == nullptr) {
@@ -161,22 +137,19 @@ void Runtime::MakeDue(RuntimeTask *task, bool atHead)
         return;
     }
     task->state = TaskState::QUEUED;
-    if (atHead) {
-        queue->waiting.push_front(task);
-    } else {
-        queue->waiting.push_back(task);
-    }
+    queue->waiting.push_back(task);
     Dispatch(*queue);
 }
 
 void Runtime::Dispatch(TaskQueue &queue)
 {
-    while (queue.active < std::max(1, queue.maxConcurrency) && !queue.waiting.empty()) {
-        RuntimeTask *task = queue.waiting.front();
-        queue.waiting.pop_front();
-        ++queue.active;
-        PushToPool(task);
+    if (queue.active > 0 || queue.waiting.empty()) {
+        return;
     }
+    RuntimeTask *task = queue.waiting.front();
+    queue.waiting.pop_front();
+    ++queue.active;
+    PushToPool(task);
 }
 
 void Runtime::PushToPool(RuntimeTask *task)
@@ -475,10 +448,7 @@ void Runtime::TimerMain()
         }
         RuntimeTask *task = *timers_.begin();
         timers_.erase(timers_.begin());
-        if (task->queue != nullptr) {
-            --task->queue->delayed;
-        }
-        MakeDue(task, false);
+        MakeDue(task);
     }
 }
 
@@ -515,9 +485,6 @@ bool Runtime::Withdraw(RuntimeTask *task)
     switch (task->state) {
         case TaskState::DELAYED:
             timers_.erase(task);
-            if (queue != nullptr) {
-                --queue->delayed;
-            }
             break;
         case TaskState::QUEUED:
             queue->waiting.erase(std::find(queue->waiting.begin(), queue->waiting.end(), task));
@@ -558,10 +525,6 @@ void Runtime::Settle(RuntimeTask *task, TaskState state)
 {
     task->state = state;
     --liveTasks_;
-    if (task->group != nullptr) {
-        --task->group->outstanding;
-        task->group.reset();
-    }
     if (TaskQueue *queue = std::exchange(task->queue, nullptr)) {
         Dispatch(*queue);
         if (queue->orphaned && queue->active == 0) {
@@ -573,32 +536,9 @@ void Runtime::Settle(RuntimeTask *task, TaskState state)
     RuntimeTask::Release(task);
 }
 
-int Runtime::Cancel(RuntimeTask *task)
+TaskQueue *Runtime::CreateQueue(const std::string &name, ffrt_qos_t qos)
 {
-    Lock lock(mutex_);
-    if (!Withdraw(task)) {
-        return ffrt_error;
-    }
-    DropWithdrawn(lock, {task});
-    return ffrt_success;
-}
-
-void Runtime::Wait(RuntimeTask *task)
-{
-    Lock lock(mutex_);
-    WaitSettled(lock, [task] { return task->Settled(); });
-}
-
-void Runtime::WaitForSubmittedTasks()
-{
-    std::shared_ptr<WaitGroup> group = CurrentWaitGroup();
-    Lock lock(mutex_);
-    WaitSettled(lock, [&group] { return group->outstanding == 0; });
-}
-
-TaskQueue *Runtime::CreateQueue(const std::string &name, ffrt_qos_t qos, int maxConcurrency)
-{
-    auto queue = std::make_unique<TaskQueue>(name, qos, maxConcurrency);
+    auto queue = std::make_unique<TaskQueue>(name, qos);
     TaskQueue *raw = queue.get();
     Lock lock(mutex_);
     queues_.emplace(raw, std::move(queue));
@@ -635,12 +575,6 @@ void Runtime::DestroyQueue(TaskQueue *queue)
     queues_.erase(queue);
 }
 
-uint64_t Runtime::WaitingTaskCount(TaskQueue *queue)
-{
-    Lock lock(mutex_);
-    return queue->waiting.size() + queue->delayed;
-}
-
 bool Runtime::IsIdle()
 {
     Lock lock(mutex_);
@@ -653,38 +587,14 @@ bool Runtime::WaitIdle(std::chrono::milliseconds timeout)
     return settled_.wait_for(lock, timeout, [this] { return liveTasks_ == 0; });
 }
 
-size_t Runtime::WorkerCount()
+Runtime::Counts Runtime::Snapshot()
 {
     Lock lock(mutex_);
-    return threads_;
-}
-
-size_t Runtime::PeakWorkerCount()
-{
-    Lock lock(mutex_);
-    return peakThreads_;
-}
-
-size_t Runtime::RunningCount()
-{
-    Lock lock(mutex_);
-    size_t running = 0;
+    Counts counts {threads_, peakThreads_, 0, peakRunning_, suspended_};
     for (const WorkerGroup &group : groups_) {
-        running += group.running;
+        counts.running += group.running;
     }
-    return running;
-}
-
-size_t Runtime::SuspendedCount()
-{
-    Lock lock(mutex_);
-    return suspended_;
-}
-
-size_t Runtime::PeakRunningCount()
-{
-    Lock lock(mutex_);
-    return peakRunning_;
+    return counts;
 }
 
 void Runtime::ResetPeaks()

@@ -42,15 +42,10 @@ public:
     Runtime &operator=(const Runtime &) = delete;
 
     // Takes ownership of `f`. Returns the task with one reference for the caller.
-    RuntimeTask *Submit(ffrt_function_header_t *f, const ffrt_task_attr_t *attr, TaskQueue *queue, bool atHead);
-    int Cancel(RuntimeTask *task);
-    void Wait(RuntimeTask *task);
-    void WaitForSubmittedTasks();
+    RuntimeTask *Submit(ffrt_function_header_t *f, const ffrt_task_attr_t *attr, TaskQueue *queue);
     static RuntimeTask *CurrentTask();
     // The running task when it has a fiber to switch out of, else null.
     static RuntimeTask *SuspendableTask();
-    // The children of the running task, or of the calling thread outside tasks.
-    static std::shared_ptr<WaitGroup> CurrentWaitGroup();
 
     // Switches the calling task (waiter's) out until Resume, or until the deadline claims the
     // waiter; releases `guard` on the way. Returns false on time-out.
@@ -59,17 +54,20 @@ public:
     // Lets tasks waiting to resume go first. False outside a task that can switch out.
     bool Yield();
 
-    TaskQueue *CreateQueue(const std::string &name, ffrt_qos_t qos, int maxConcurrency);
+    TaskQueue *CreateQueue(const std::string &name, ffrt_qos_t qos);
     void DestroyQueue(TaskQueue *queue);
-    uint64_t WaitingTaskCount(TaskQueue *queue);
 
     bool IsIdle();
     bool WaitIdle(std::chrono::milliseconds timeout);
-    size_t WorkerCount();
-    size_t PeakWorkerCount();
-    size_t RunningCount();
-    size_t PeakRunningCount();
-    size_t SuspendedCount();
+    // The pool's counts, taken together under the lock.
+    struct Counts {
+        size_t workers;     // worker threads alive, over all groups
+        size_t peakWorkers;
+        size_t running;     // tasks holding a running slot, over all groups
+        size_t peakRunning; // in any one group
+        size_t suspended;   // switched out in a runtime wait
+    };
+    Counts Snapshot();
     void ResetPeaks();
     size_t WorkerLimit() const { return workerLimit_; }
     size_t ThreadLimit() const { return threadLimit_; }
@@ -105,8 +103,8 @@ private:
     Runtime();
 
     static size_t GroupIndex(ffrt_qos_t qos);
-    void Schedule(RuntimeTask *task, uint64_t delayUs, bool atHead);
-    void MakeDue(RuntimeTask *task, bool atHead);
+    void Schedule(RuntimeTask *task, uint64_t delayUs);
+    void MakeDue(RuntimeTask *task);
     void Dispatch(TaskQueue &queue);
     void PushToPool(RuntimeTask *task);
     // `looking`: workers of the group about to look for work on their own, not to be woken.

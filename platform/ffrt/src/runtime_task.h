@@ -14,17 +14,11 @@
 namespace HostFfrt {
 struct TaskQueue;
 
-// Tasks submitted by one task (or by one thread outside any task) that have not settled yet;
-// ffrt_wait waits for it to drop to zero. Guarded by the runtime's lock.
-struct WaitGroup {
-    size_t outstanding = 0;
-};
-
 enum class TaskState {
     DELAYED,    // held by the timer until due
     QUEUED,     // due, waiting in its queue for a free slot
     DISPATCHED, // due, waiting for a pool worker
-    DROPPING,   // taken out of its queue by a cancel; its function is being destroyed
+    DROPPING,   // taken out of its destroyed queue; its function is being destroyed
     RUNNING,    // started: on a worker, suspended in a runtime wait, or ready to resume
     FINISHED,
     CANCELLED,
@@ -50,11 +44,8 @@ struct ExceptionState {
 struct RuntimeTask {
     using Clock = std::chrono::steady_clock;
 
-    RuntimeTask(ffrt_function_header_t *f, ffrt_qos_t taskQos, TaskQueue *owner, std::shared_ptr<WaitGroup> waitGroup,
-        uint32_t references)
-        : function(f), qos(taskQos), queue(owner), group(std::move(waitGroup)), refs(references) {}
-
-    bool Settled() const { return state == TaskState::FINISHED || state == TaskState::CANCELLED; }
+    RuntimeTask(ffrt_function_header_t *f, ffrt_qos_t taskQos, TaskQueue *owner, uint32_t references)
+        : function(f), qos(taskQos), queue(owner), refs(references) {}
 
     // Drops one reference; returns the count before.
     static uint32_t Release(RuntimeTask *task)
@@ -69,7 +60,6 @@ struct RuntimeTask {
     ffrt_function_header_t *function;
     ffrt_qos_t qos;
     TaskQueue *queue; // null for pool tasks; valid until the task settles
-    std::shared_ptr<WaitGroup> group;
     std::atomic<uint32_t> refs;
     uint64_t id = 0;
     Clock::time_point due {};
@@ -84,7 +74,6 @@ struct RuntimeTask {
     // The thread-local state the task's code sees, carried across threads while it is away.
     int savedErrno = 0;
     ExceptionState exceptions;
-    std::shared_ptr<WaitGroup> children; // what this task submitted, for ffrt_wait
 };
 } // namespace HostFfrt
 

@@ -4,7 +4,9 @@
 #include <cstring>
 #include <deque>
 #include <mutex>
+#include <new>
 
+#include "c/type_def.h"
 #include "waiter.h"
 
 namespace HostFfrt {
@@ -25,18 +27,35 @@ void StoreObject(Storage *storage, Object *object)
     std::memcpy(storage->storage, &object, sizeof(object));
 }
 
-// Waiters queue in arrival order and unlocking hands the mutex straight to the first of them, so
-// a task that is resumed late still gets it. The owner is the task, which may change threads
-// while it holds the mutex, or the thread outside tasks. `guard` is held only briefly: never
-// across a wait or a switch.
-struct MutexObject {
-    explicit MutexObject(bool isRecursive) : recursive(isRecursive) {}
+// What the init and destroy calls of both objects do.
+template <typename Object, typename Storage>
+int CreateObject(Storage *storage)
+{
+    if (storage == nullptr) {
+        return ffrt_error_inval;
+    }
+    auto *object = new (std::nothrow) Object();
+    StoreObject(storage, object);
+    return object == nullptr ? ffrt_error_nomem : ffrt_success;
+}
 
+template <typename Object, typename Storage>
+int DestroyObject(Storage *storage)
+{
+    if (storage == nullptr) {
+        return ffrt_error_inval;
+    }
+    delete LoadObject<Object>(storage);
+    StoreObject<Object>(storage, nullptr);
+    return ffrt_success;
+}
+
+// Waiters queue in arrival order and unlocking hands the mutex straight to the first of them, so
+// a task that is resumed late still gets it. `guard` is held only briefly: never across a wait
+// or a switch.
+struct MutexObject {
     std::mutex guard;
-    const bool recursive;
     bool locked = false;
-    const void *owner = nullptr;
-    size_t depth = 0;
     std::deque<Waiter *> waiters;
 };
 

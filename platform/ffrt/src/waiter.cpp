@@ -3,24 +3,8 @@
 #include "runtime.h"
 
 namespace HostFfrt {
-namespace {
-// Only its address matters: it tells the threads apart that wait outside tasks.
-thread_local char g_threadIdentity;
-
-__attribute__((noinline)) const void *ThreadIdentity()
+Waiter::Waiter() : task_(Runtime::SuspendableTask())
 {
-    return &g_threadIdentity;
-}
-} // namespace
-
-Waiter::Waiter() : task_(Runtime::SuspendableTask()), identity_(CurrentIdentity())
-{
-}
-
-const void *Waiter::CurrentIdentity()
-{
-    const RuntimeTask *task = Runtime::CurrentTask();
-    return task != nullptr ? static_cast<const void *>(task) : ThreadIdentity();
 }
 
 bool Waiter::Park(std::unique_lock<std::mutex> *guard, std::optional<Clock::time_point> deadline)

@@ -29,9 +29,6 @@ public:
     bool Park(std::unique_lock<std::mutex> *guard, std::optional<Clock::time_point> deadline);
     // Returns false when the waiter was claimed already (it timed out); nothing is woken then.
     bool Wake();
-    // Who waits: the task, or the thread outside tasks. Lets a mutex remember its owner.
-    const void *Identity() const { return identity_; }
-    static const void *CurrentIdentity();
 
 private:
     friend class Runtime;
@@ -40,7 +37,6 @@ private:
     bool Claim() { return !claimed_.exchange(true, std::memory_order_acq_rel); }
 
     RuntimeTask *task_; // null when the thread itself blocks
-    const void *identity_;
     std::atomic<bool> claimed_ {false};
     // Task waits: guarded by the runtime's lock.
     bool timedOut_ = false;

@@ -8,7 +8,6 @@
 // A task waiting on the condition is suspended and gives its worker back; outside a task the
 // calling thread blocks. attr may be NULL. The mutex must be a normal (not recursive) one.
 FFRT_C_API int ffrt_cond_init(ffrt_cond_t *cond, const ffrt_condattr_t *attr);
-FFRT_C_API int ffrt_cond_signal(ffrt_cond_t *cond);
 FFRT_C_API int ffrt_cond_broadcast(ffrt_cond_t *cond);
 FFRT_C_API int ffrt_cond_wait(ffrt_cond_t *cond, ffrt_mutex_t *mutex);
 // time_point is absolute, on CLOCK_MONOTONIC. Returns ffrt_error_timedout once it has passed.

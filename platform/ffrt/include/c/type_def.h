@@ -12,13 +12,6 @@
 #endif
 
 typedef enum {
-    ffrt_queue_priority_immediate = 0,
-    ffrt_queue_priority_high,
-    ffrt_queue_priority_low,
-    ffrt_queue_priority_idle,
-} ffrt_queue_priority_t;
-
-typedef enum {
     ffrt_qos_inherit = -1,
     ffrt_qos_background,
     ffrt_qos_utility,
@@ -88,12 +81,6 @@ typedef struct {
 
 typedef void *ffrt_task_handle_t;
 
-typedef enum {
-    ffrt_mutex_normal = 0,
-    ffrt_mutex_recursive = 2,
-    ffrt_mutex_default = ffrt_mutex_normal,
-} ffrt_mutex_type;
-
 typedef struct {
     long storage;
 } ffrt_mutexattr_t;
@@ -118,21 +105,5 @@ typedef enum {
     ffrt_error_busy = EBUSY,
     ffrt_error_inval = EINVAL,
 } ffrt_error_t;
-
-#ifdef __cplusplus
-namespace ffrt {
-enum qos_default {
-    qos_inherit = ffrt_qos_inherit,
-    qos_background = ffrt_qos_background,
-    qos_utility = ffrt_qos_utility,
-    qos_default = ffrt_qos_default,
-    qos_user_initiated = ffrt_qos_user_initiated,
-    qos_deadline_request = ffrt_qos_deadline_request,
-    qos_user_interactive = ffrt_qos_user_interactive,
-    qos_max = ffrt_qos_max,
-};
-using qos = int;
-} // namespace ffrt
-#endif
 
 #endif // FFRT_API_C_TYPE_DEF_H

@@ -37,18 +37,6 @@ public:
         return wait_steady(lk, std::chrono::steady_clock::now() + (tp - Clock::now()));
     }
 
-    template <typename Rep, typename Period>
-    cv_status wait_for(std::unique_lock<mutex> &lk, const std::chrono::duration<Rep, Period> &d)
-    {
-        return wait_steady(lk, std::chrono::steady_clock::now() + d);
-    }
-
-    template <typename Rep, typename Period, typename Pred>
-    bool wait_for(std::unique_lock<mutex> &lk, const std::chrono::duration<Rep, Period> &d, Pred &&pred)
-    {
-        return wait_until(lk, std::chrono::steady_clock::now() + d, std::forward<Pred>(pred));
-    }
-
     template <typename Pred>
     void wait(std::unique_lock<mutex> &lk, Pred &&pred)
     {
@@ -58,7 +46,6 @@ public:
     }
 
     void wait(std::unique_lock<mutex> &lk) { ffrt_cond_wait(this, lk.mutex()); }
-    void notify_one() noexcept { ffrt_cond_signal(this); }
     void notify_all() noexcept { ffrt_cond_broadcast(this); }
 
 private:

@@ -6,13 +6,11 @@
 #include <future>
 #include <memory>
 #include <optional>
-#include <tuple>
 #include <type_traits>
 #include <utility>
 
 #include "cpp/condition_variable.h"
 #include "cpp/mutex.h"
-#include "cpp/task.h"
 
 namespace ffrt {
 enum class future_status { ready, timeout, deferred };
@@ -132,8 +130,6 @@ public:
         return state->take();
     }
 
-    bool valid() const noexcept { return state_ != nullptr; }
-
     void wait() const
     {
         check_state();
@@ -252,7 +248,6 @@ public:
     packaged_task(const packaged_task &) = delete;
     packaged_task &operator=(const packaged_task &) = delete;
 
-    bool valid() const noexcept { return callable_ != nullptr; }
     future<R> get_future() { return promise_.get_future(); }
 
     void operator()(Args... args)
@@ -289,19 +284,6 @@ private:
     promise<R> promise_;
 };
 
-// Runs `f(args...)` as a task of its own and hands back the future of its result.
-template <typename F, typename... Args>
-future<std::invoke_result_t<std::decay_t<F>, std::decay_t<Args>...>> async(F &&f, Args &&...args)
-{
-    using R = std::invoke_result_t<std::decay_t<F>, std::decay_t<Args>...>;
-    auto task = std::make_shared<packaged_task<R()>>(
-        [fn = std::forward<F>(f), bound = std::make_tuple(std::forward<Args>(args)...)]() mutable {
-            return std::apply(fn, std::move(bound));
-        });
-    future<R> result = task->get_future();
-    submit([task] { (*task)(); });
-    return result;
-}
 } // namespace ffrt
 
 #endif // FFRT_INNER_API_CPP_FUTURE_H

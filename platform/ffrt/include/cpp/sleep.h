@@ -19,11 +19,6 @@ void sleep_for(const std::chrono::duration<Rep, Period> &d)
     ffrt_usleep(us > 0 ? static_cast<uint64_t>(us) : 0);
 }
 
-template <typename Clock, typename Duration>
-void sleep_until(const std::chrono::time_point<Clock, Duration> &tp)
-{
-    sleep_for(tp - Clock::now());
-}
 } // namespace this_task
 } // namespace ffrt
 
