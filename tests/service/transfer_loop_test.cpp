@@ -7,13 +7,12 @@
 #include <gtest/gtest.h>
 
 #include "hilog_host.h"
-#include "https_fixture.h"
 #include "log_lines.h"
 #include "transfer_loop.h"
+#include "transport_fixture.h"
 #include "vorn_http_logic.h"
 
 namespace {
-using OHOS::Vorn::HttpLogic;
 using OHOS::Vorn::TransferLoop;
 using VornTestbed::HttpResponse;
 
@@ -30,26 +29,7 @@ struct MultiDeleter {
     }
 };
 
-class TransferLoopTest : public VornTest::HttpsFixture {
-protected:
-    static void SetUpTestSuite()
-    {
-        ASSERT_TRUE(HttpLogic::GlobalInit());
-    }
-
-    struct Outcome {
-        long status = 0;
-        std::string body;
-    };
-
-    static Outcome Post(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info, const std::string &url)
-    {
-        HttpLogic logic(info, url);
-        EXPECT_EQ(logic.InitHttpLogic(), 0);
-        const long status = logic.PostHttpsRequest();
-        return {status, logic.GetResponseBody()};
-    }
-};
+class TransferLoopTest : public VornTest::TransportFixture {};
 
 TEST_F(TransferLoopTest, ConcurrentTransfersEachGetTheirOwnResponse)
 {

@@ -1,7 +1,5 @@
 #include <cstdio>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 
 #include <curl/curl.h>
@@ -9,8 +7,8 @@
 
 #include "connect_proxy.h"
 #include "hilog_host.h"
-#include "https_fixture.h"
 #include "transfer_loop.h"
+#include "transport_fixture.h"
 #include "trust_shares.h"
 #include "vorn_http_logic.h"
 #include "vorn_metrics.h"
@@ -30,37 +28,22 @@ struct EasyDeleter {
 };
 
 // Connections are told apart by what the server counts: each TCP connection it accepts.
-class KeptConnectionTest : public VornTest::HttpsFixture {
+class KeptConnectionTest : public VornTest::TransportFixture {
 protected:
-    static void SetUpTestSuite()
-    {
-        ASSERT_TRUE(HttpLogic::GlobalInit());
-    }
-
     void SetUp() override
     {
-        VornTest::HttpsFixture::SetUp();
+        TransportFixture::SetUp();
         server_->Respond("/k", HttpResponse::Text(200, "k"));
     }
 
     long Post(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info) const
     {
-        HttpLogic logic(info, Url("/k"));
-        EXPECT_EQ(logic.InitHttpLogic(), 0);
-        return logic.PostHttpsRequest();
+        return TransportFixture::Post(info, Url("/k")).status;
     }
 
     long Post() const
     {
         return Post(Request({}));
-    }
-
-    static std::string ReadFile(const std::string &path)
-    {
-        std::ifstream in(path);
-        std::ostringstream content;
-        content << in.rdbuf();
-        return content.str();
     }
 
     // Puts `content` in place of `path` the way bundles are updated: a new file renamed over it.
@@ -96,8 +79,9 @@ TEST_F(KeptConnectionTest, AnUntrustingCaFileNeverTakesAVerifiedConnection)
     ASSERT_EQ(Post(), 200);
     EXPECT_EQ(Post(untrusting), -1);
     EXPECT_EQ(Post(untrusting), -1);
+    // Two connections of their own, neither carrying a request. (The server counts a failed
+    // handshake only after the client has gone, so that count is no condition to assert on.)
     EXPECT_EQ(server_->Connections(), 3u);
-    EXPECT_EQ(server_->FailedHandshakes(), 2u);
     EXPECT_EQ(server_->RequestCount("/k"), 1u);
     // The trusted connection is still kept for its own context.
     EXPECT_EQ(Post(), 200);
@@ -188,10 +172,9 @@ TEST_F(KeptConnectionTest, AServerThatClosesIdleConnectionsIsStillAnswered)
     HostPlatform::LogCapture logs;
 
     for (int i = 0; i < 4; ++i) {
-        HttpLogic logic(Request({}), closing.BaseUrl() + "/k");
-        ASSERT_EQ(logic.InitHttpLogic(), 0);
-        EXPECT_EQ(logic.PostHttpsRequest(), 200) << i;
-        EXPECT_EQ(logic.GetResponseBody(), "k");
+        const Outcome outcome = TransportFixture::Post(Request({}), closing.BaseUrl() + "/k");
+        EXPECT_EQ(outcome.status, 200) << i;
+        EXPECT_EQ(outcome.body, "k");
     }
     EXPECT_EQ(closing.Connections(), 4u);
     EXPECT_EQ(logs.CountContaining("Failed to access the server"), 0u);
