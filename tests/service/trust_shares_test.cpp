@@ -1,5 +1,4 @@
 #include <cstdio>
-#include <memory>
 #include <string>
 
 #include <curl/curl.h>
@@ -7,25 +6,14 @@
 
 #include "connect_proxy.h"
 #include "hilog_host.h"
-#include "transfer_loop.h"
 #include "transport_fixture.h"
 #include "trust_shares.h"
-#include "vorn_http_logic.h"
 #include "vorn_metrics.h"
 
 namespace {
-using OHOS::Vorn::HttpLogic;
-using OHOS::Vorn::TransferLoop;
 using OHOS::Vorn::TrustShares;
 using OHOS::Vorn::VornMetrics;
 using VornTestbed::HttpResponse;
-
-struct EasyDeleter {
-    void operator()(CURL *curl) const
-    {
-        curl_easy_cleanup(curl);
-    }
-};
 
 // Connections are told apart by what the server counts: each TCP connection it accepts.
 class KeptConnectionTest : public VornTest::TransportFixture {
@@ -92,12 +80,12 @@ TEST_F(KeptConnectionTest, ACaFileWhoseContentChangedIsFollowedOnTheNextRequest)
 {
     auto other = VornTestbed::MakeCertificateFiles(dir_.Path("other"));
     ASSERT_TRUE(other.has_value());
-    const std::string trusted = ReadFile(files_.caFile);
+    const std::string trusted = VornTest::ReadFile(files_.caFile);
     auto info = Request({});
     info.caFile = dir_.WriteFile("trust/ca.pem", trusted);
 
     ASSERT_EQ(Post(info), 200);
-    Replace(info.caFile, ReadFile(other->caFile));
+    Replace(info.caFile, VornTest::ReadFile(other->caFile));
     EXPECT_EQ(Post(info), -1);
     EXPECT_EQ(server_->Connections(), 2u);
 
@@ -135,29 +123,6 @@ TEST_F(KeptConnectionTest, EachRouteGetsItsOwnConnection)
     EXPECT_EQ(server_->Connections(), 4u);
     EXPECT_EQ(proxy.Targets().size(), 2u);
     EXPECT_EQ(server_->RequestCount("/k"), 7u);
-}
-
-// Within one trust context libcurl's own comparison still applies: a transfer with other TLS
-// settings opens its own connection.
-TEST_F(KeptConnectionTest, OtherTlsSettingsInOneContextOpenANewConnection)
-{
-    auto post = [this](const char *ciphers) {
-        std::unique_ptr<CURL, EasyDeleter> curl(curl_easy_init());
-        const std::string url = Url("/k");
-        (void)curl_easy_setopt(curl.get(), CURLOPT_URL, url.c_str());
-        (void)curl_easy_setopt(curl.get(), CURLOPT_CAINFO, files_.caFile.c_str());
-        (void)curl_easy_setopt(curl.get(), CURLOPT_SSL_CIPHER_LIST, ciphers);
-        (void)curl_easy_setopt(curl.get(), CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-        (void)curl_easy_setopt(curl.get(), CURLOPT_POSTFIELDS, "{}");
-        (void)curl_easy_setopt(curl.get(), CURLOPT_WRITEFUNCTION,
-            +[](char *, size_t size, size_t count, void *) { return size * count; });
-        return TransferLoop::Perform(curl.get(), "tls-test " + files_.caFile).get();
-    };
-    EXPECT_EQ(post(HttpLogic::CIPHER_LIST), CURLE_OK);
-    EXPECT_EQ(post(HttpLogic::CIPHER_LIST), CURLE_OK);
-    EXPECT_EQ(server_->Connections(), 1u);
-    EXPECT_EQ(post("ECDHE-ECDSA-AES128-GCM-SHA256:ECDHE-RSA-AES128-GCM-SHA256"), CURLE_OK);
-    EXPECT_EQ(server_->Connections(), 2u);
 }
 
 // A server whose idle time-out is shorter than ours closes the kept connection; the next

@@ -20,19 +20,7 @@ namespace {
 using OHOS::Vorn::HttpLogic;
 using VornTestbed::HttpResponse;
 
-class HttpLogicTest : public VornTest::TransportFixture {
-protected:
-    static std::vector<std::string> SyntheticLines(const std::string &heads)
-    {
-        std::vector<std::string> lines;
-        std::string::size_type start = 0;
-        for (auto end = heads.find("\r\n"); end != std::string::npos; end = heads.find("\r\n", start)) {
-            lines.push_back(heads.substr(start, end - start));
-            start = end + 2;
-        }
-        return lines;
-    }
-};
+class HttpLogicTest : public VornTest::TransportFixture {};
 
 TEST_F(HttpLogicTest, PostsHeadersQueryAndServiceListAndReturnsTheDecodedBody)
 {
@@ -92,18 +80,11 @@ TEST_F(HttpLogicTest, SynthesisesHeadsFromCacheControlLinesOfTheFinalResponse)
     Outcome outcome = Post(Request({}), Url("/start"));
 
     ASSERT_EQ(outcome.status, 200);
-    std::vector<std::string> lines = SyntheticLines(outcome.heads);
-    ASSERT_EQ(lines.size(), 9u) << outcome.heads;
-    EXPECT_EQ(lines[0], "Rule: appId=42&scope=test");
-    EXPECT_EQ(lines[1], "Version: 1.2.3");
-    EXPECT_EQ(lines[2], "Service-List: {\"services\":[\"alpha\",\"beta\"]}");
-    EXPECT_TRUE(std::regex_match(lines[3], std::regex("Cache-time: [0-9]{10}"))) << lines[3];
-    EXPECT_EQ(lines[4], "Cache-status: success");
-    EXPECT_EQ(lines[5], "Cache-Control: 3600");
-    EXPECT_EQ(lines[6], "Cache-Control: Cache-Control: no-cache");
-    EXPECT_EQ(lines[7], "Cache-Control: 60, s-maxage=30");
-    EXPECT_EQ(lines[8], "");
-    EXPECT_EQ(outcome.heads.find("max-age=1"), std::string::npos);
+    // The redirect's own Cache-Control line is not among them.
+    EXPECT_EQ(std::regex_replace(outcome.heads, std::regex("Cache-time: [0-9]{10}\r\n"), "Cache-time: T\r\n"),
+        "Rule: appId=42&scope=test\r\nVersion: 1.2.3\r\nService-List: {\"services\":[\"alpha\",\"beta\"]}\r\n"
+        "Cache-time: T\r\nCache-status: success\r\nCache-Control: 3600\r\n"
+        "Cache-Control: Cache-Control: no-cache\r\nCache-Control: 60, s-maxage=30\r\n\r\n");
 }
 
 TEST_F(HttpLogicTest, FollowsOneRedirectButNotTwo)

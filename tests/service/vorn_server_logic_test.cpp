@@ -167,23 +167,6 @@ TEST_F(ServerLogicTest, OnlyTheLastUrlReportsFailureWithItsStatus)
     EXPECT_EQ(Lines(LOG_WARN, "VornServerLogic::GetAllServiceUrl futrue not OK"), 1u);
 }
 
-TEST_F(ServerLogicTest, InvalidUtf8BodyIsDroppedAndTheServiceGoesOn)
-{
-    server_->Respond("/bad", HttpResponse::Text(200, "caf\xe9"));
-    server_->Respond("/good", HttpResponse::Text(200, "Grüße, 東京"));
-
-    EXPECT_EQ(RunToIdle(Request({Url("/bad")})), -1);
-    EXPECT_EQ(recorder_->Count(), 0u);
-    EXPECT_EQ(ErrorLines(), 1u);
-    EXPECT_EQ(logs_.CountContaining("VornServerLogic attempt failed with exception"), 1u);
-    EXPECT_EQ(Lines(LOG_WARN, "SubmitRequestTask::fail -1"), 1u);
-
-    ASSERT_EQ(RunToIdle(Request({Url("/good")})), 0);
-    ASSERT_EQ(recorder_->Count(), 1u);
-    EXPECT_EQ(recorder_->Responses().front().rfind("{\"body\":\"Grüße, 東京\",\"code\":200,", 0), 0u);
-    EXPECT_EQ(ErrorLines(), 1u);
-}
-
 // Runs with the working directory at a fresh root, as the service does on a device.
 class ServerConfigTest : public ServerLogicTest {
 protected:

@@ -43,15 +43,15 @@ protected:
         return {status, logic.ResponseTooLarge(), logic.ResponseSizeReached(), logic.GetResponseStatus(),
             logic.GetResponseHeads(), logic.GetResponseBody()};
     }
-
-    static std::string ReadFile(const std::string &path)
-    {
-        std::ifstream in(path);
-        std::ostringstream content;
-        content << in.rdbuf();
-        return content.str();
-    }
 };
+
+inline std::string ReadFile(const std::string &path)
+{
+    std::ifstream in(path);
+    std::ostringstream content;
+    content << in.rdbuf();
+    return content.str();
+}
 } // namespace VornTest
 
 #endif // VORN_TESTS_SUPPORT_TRANSPORT_FIXTURE_H
