@@ -1,6 +1,5 @@
 #include <cstdio>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -81,31 +80,6 @@ TEST_F(CaStoreCacheTest, KeepsEightStoresAndDropsTheLeastRecentlyUsed)
     EXPECT_EQ(Loads(), before + 1);
     ASSERT_NE(cache.Acquire(paths[1]), nullptr);
     EXPECT_EQ(Loads(), before + 2);
-}
-
-TEST_F(CaStoreCacheTest, ConcurrentTransfersShareOneStoreAndSessionCache)
-{
-    constexpr int threadCount = 16;
-    constexpr int postsPerThread = 10;
-    const std::string caFile = FreshCopyOfCa("shared.pem");
-    const uint64_t before = Loads();
-    std::vector<int> successes(threadCount, 0);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < threadCount; ++t) {
-        threads.emplace_back([&, t] {
-            for (int i = 0; i < postsPerThread; ++i) {
-                successes[t] += Post(caFile) == 200 ? 1 : 0;
-            }
-        });
-    }
-    for (std::thread &thread : threads) {
-        thread.join();
-    }
-    for (int t = 0; t < threadCount; ++t) {
-        EXPECT_EQ(successes[t], postsPerThread) << "thread " << t;
-    }
-    EXPECT_EQ(Loads(), before + 1);
-    EXPECT_EQ(server_->RequestCount("/x"), static_cast<size_t>(threadCount * postsPerThread));
 }
 
 TEST_F(CaStoreCacheTest, BypassedWhenTheProxySpeaksTls)
