@@ -1,7 +1,5 @@
 #include <atomic>
 #include <chrono>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -11,17 +9,10 @@
 #include "ca_store_cache.h"
 #include "certificate_authority.h"
 #include "temp_dir.h"
+#include "transport_fixture.h"
 
 namespace {
 using OHOS::Vorn::CaStoreCache;
-
-std::string ReadFile(const std::string &path)
-{
-    std::ifstream in(path);
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
-}
 
 // A client naming a huge CA file must not hold up the first load of another client's file.
 TEST(CaStoreCacheTimingTest, ASlowLoadHoldsNoLoadOfAnotherFile)
@@ -31,7 +22,7 @@ TEST(CaStoreCacheTimingTest, ASlowLoadHoldsNoLoadOfAnotherFile)
     VornTestbed::TempDir dir;
     auto files = VornTestbed::MakeCertificateFiles(dir.Path("pki"));
     ASSERT_TRUE(files.has_value());
-    const std::string pem = ReadFile(files->caFile);
+    const std::string pem = VornTest::ReadFile(files->caFile);
     std::string bigContent;
     bigContent.reserve(pem.size() * BIG_FILE_COPIES);
     for (int i = 0; i < BIG_FILE_COPIES; ++i) {

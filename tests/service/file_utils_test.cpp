@@ -1,6 +1,5 @@
 #include <climits>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <ios>
@@ -12,6 +11,8 @@
 
 #include "file_utils.h"
 #include "hilog_host.h"
+#include "temp_dir.h"
+#include "working_directory.h"
 
 using namespace OHOS::Vorn;
 namespace fs = std::filesystem;
@@ -22,24 +23,9 @@ const std::string UNTOUCHED = "untouched";
 
 class FileUtilsTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        std::string pattern = testing::TempDir() + "vorn_file_utils_XXXXXX";
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        dir_ = pattern;
-    }
-
-    void TearDown() override
-    {
-        std::error_code ignored;
-        fs::remove_all(dir_, ignored);
-    }
-
     std::string Write(const std::string &name, const std::string &content) const
     {
-        const fs::path file = dir_ / name;
-        std::ofstream(file, std::ios_base::binary) << content;
-        return file.string();
+        return temp_.WriteFile(name, content);
     }
 
     int32_t Read(const std::string &path, std::string &content) const
@@ -48,25 +34,8 @@ protected:
         return FileUtils::ReadFile(path, content, BINARY_MODE);
     }
 
-    fs::path dir_;
-};
-
-// Restores the working directory of the process when a test leaves.
-class WorkingDirectoryGuard {
-public:
-    WorkingDirectoryGuard() : fd_(open(".", O_RDONLY | O_DIRECTORY)) {}
-    ~WorkingDirectoryGuard()
-    {
-        if (fd_ >= 0) {
-            (void)fchdir(fd_);
-            close(fd_);
-        }
-    }
-    WorkingDirectoryGuard(const WorkingDirectoryGuard &) = delete;
-    WorkingDirectoryGuard &operator=(const WorkingDirectoryGuard &) = delete;
-
-private:
-    int fd_;
+    VornTestbed::TempDir temp_;
+    const fs::path dir_ = temp_.Path();
 };
 } // namespace
 
@@ -133,8 +102,7 @@ TEST_F(FileUtilsTest, CanonicalPathFailureIsLogged)
 {
     // stat() accepts the short relative name, but realpath() cannot return an absolute path longer
     // than PATH_MAX.
-    WorkingDirectoryGuard guard;
-    ASSERT_EQ(chdir(dir_.c_str()), 0);
+    VornTest::WorkingDirectory cwd(dir_.string());
     const std::string level(200, 'd');
     for (size_t depth = 0; depth * (level.size() + 1) <= PATH_MAX; ++depth) {
         ASSERT_EQ(mkdir(level.c_str(), 0700), 0);

@@ -1,4 +1,5 @@
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -20,19 +21,15 @@ size_t Escaped(const std::string &text)
     return ResponseSizeGuard::EscapedSize(text.data(), text.size());
 }
 
-TEST(ResponseSizeGuardTest, CountsEveryAsciiByteAsTheResponseJsonWritesIt)
+// Every ASCII byte, and UTF-8 beyond ASCII, which counts raw.
+TEST(ResponseSizeGuardTest, CountsEveryByteAsTheResponseJsonWritesIt)
 {
+    std::vector<std::string> texts = {"caf\xc3\xa9", "\xe2\x82\xac 5", "\xf0\x9f\x98\x80\"\n", "\x7f/"};
     for (int byte = 0; byte < 0x80; ++byte) {
-        const std::string text(1, static_cast<char>(byte));
-        EXPECT_EQ(Escaped(text), JsonSize(text)) << "byte " << byte;
+        texts.emplace_back(1, static_cast<char>(byte));
     }
-}
-
-TEST(ResponseSizeGuardTest, NonAsciiUtf8CountsRaw)
-{
-    for (const std::string text : {"caf\xc3\xa9", "\xe2\x82\xac 5", "\xf0\x9f\x98\x80\"\n", "\x7f/"}) {
+    for (const std::string &text : texts) {
         EXPECT_EQ(Escaped(text), JsonSize(text)) << text;
-        EXPECT_GE(Escaped(text), text.size());
     }
 }
 
@@ -58,11 +55,4 @@ TEST(ResponseSizeGuardTest, TakesUpToTheLimitAndNothingAfterIt)
     EXPECT_FALSE(guard.Take("\\", 1));
 }
 
-TEST(ResponseSizeGuardTest, WithoutALimitEverythingFits)
-{
-    ResponseSizeGuard guard;
-    const std::string big(1 << 20, '"');
-    EXPECT_TRUE(guard.Take(big.data(), big.size()));
-    EXPECT_EQ(guard.Reached(), 2u << 20);
-}
 } // namespace

@@ -6,14 +6,15 @@
 #include <curl/curl.h>
 #include <gtest/gtest.h>
 
+#include "ca_store_cache.h"
 #include "hilog_host.h"
-#include "https_fixture.h"
 #include "log_lines.h"
 #include "transfer_loop.h"
+#include "transport_fixture.h"
 #include "vorn_http_logic.h"
 
 namespace {
-using OHOS::Vorn::HttpLogic;
+using OHOS::Vorn::CaStoreCache;
 using OHOS::Vorn::TransferLoop;
 using VornTestbed::HttpResponse;
 
@@ -30,29 +31,12 @@ struct MultiDeleter {
     }
 };
 
-class TransferLoopTest : public VornTest::HttpsFixture {
-protected:
-    static void SetUpTestSuite()
-    {
-        ASSERT_TRUE(HttpLogic::GlobalInit());
-    }
+class TransferLoopTest : public VornTest::TransportFixture {};
 
-    struct Outcome {
-        long status = 0;
-        std::string body;
-    };
-
-    static Outcome Post(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info, const std::string &url)
-    {
-        HttpLogic logic(info, url);
-        EXPECT_EQ(logic.InitHttpLogic(), 0);
-        const long status = logic.PostHttpsRequest();
-        return {status, logic.GetResponseBody()};
-    }
-};
-
-TEST_F(TransferLoopTest, ConcurrentTransfersEachGetTheirOwnResponse)
+// The fixture's CA file is new to the cache, so the transfers race for its first load too.
+TEST_F(TransferLoopTest, ConcurrentTransfersEachGetTheirOwnResponseThroughOneCaStore)
 {
+    const uint64_t loadsBefore = CaStoreCache::GetInstance().Loads();
     constexpr int TRANSFERS = 32;
     for (int i = 0; i < TRANSFERS; ++i) {
         // Bodies of different sizes, so that one transfer's bytes in another's body would show.
@@ -72,6 +56,7 @@ TEST_F(TransferLoopTest, ConcurrentTransfersEachGetTheirOwnResponse)
         EXPECT_EQ(outcomes[i].body, std::string(100 + i * 997, 'a' + i % 26)) << i;
     }
     EXPECT_EQ(server_->RequestCount(), static_cast<size_t>(TRANSFERS));
+    EXPECT_EQ(CaStoreCache::GetInstance().Loads(), loadsBefore + 1);
 }
 
 TEST_F(TransferLoopTest, AHandleTheLoopCannotTakeIsReportedNotRun)

@@ -4,13 +4,12 @@
 #include <gtest/gtest.h>
 
 #include "ca_store_cache.h"
-#include "https_fixture.h"
+#include "transport_fixture.h"
 #include "vorn_http_logic.h"
 #include "vorn_metrics.h"
 
 namespace {
 using OHOS::Vorn::CaStoreCache;
-using OHOS::Vorn::HttpLogic;
 using OHOS::Vorn::VornMetrics;
 using VornTestbed::HttpResponse;
 
@@ -18,12 +17,12 @@ using VornTestbed::HttpResponse;
 // test runs.
 const bool SWITCHED_OFF = setenv("VORN_TRANSPORT_CACHE", "0", 1) == 0;
 
-class TransportCacheOffTest : public VornTest::HttpsFixture {
+class TransportCacheOffTest : public VornTest::TransportFixture {
 protected:
     static void SetUpTestSuite()
     {
         ASSERT_TRUE(SWITCHED_OFF);
-        ASSERT_TRUE(HttpLogic::GlobalInit());
+        TransportFixture::SetUpTestSuite();
     }
 };
 
@@ -33,9 +32,7 @@ TEST_F(TransportCacheOffTest, EveryRequestOpensItsOwnConnectionAndReadsTheCaFile
     server_->Respond("/x", HttpResponse::Text(200, "x"));
     const uint64_t caLoadsBefore = VornMetrics::Get(VornMetrics::Counter::CA_LOADS);
     for (int i = 0; i < 3; ++i) {
-        HttpLogic logic(Request({}), Url("/x"));
-        ASSERT_EQ(logic.InitHttpLogic(), 0);
-        EXPECT_EQ(logic.PostHttpsRequest(), 200);
+        EXPECT_EQ(Post(Request({}), Url("/x")).status, 200);
     }
     EXPECT_EQ(server_->Connections(), 3u);
     EXPECT_EQ(CaStoreCache::GetInstance().Loads(), 0u);

@@ -1,7 +1,4 @@
 #include <cstdio>
-#include <fstream>
-#include <memory>
-#include <sstream>
 #include <string>
 
 #include <curl/curl.h>
@@ -9,58 +6,32 @@
 
 #include "connect_proxy.h"
 #include "hilog_host.h"
-#include "https_fixture.h"
-#include "transfer_loop.h"
+#include "transport_fixture.h"
 #include "trust_shares.h"
-#include "vorn_http_logic.h"
 #include "vorn_metrics.h"
 
 namespace {
-using OHOS::Vorn::HttpLogic;
-using OHOS::Vorn::TransferLoop;
 using OHOS::Vorn::TrustShares;
 using OHOS::Vorn::VornMetrics;
 using VornTestbed::HttpResponse;
 
-struct EasyDeleter {
-    void operator()(CURL *curl) const
-    {
-        curl_easy_cleanup(curl);
-    }
-};
-
 // Connections are told apart by what the server counts: each TCP connection it accepts.
-class KeptConnectionTest : public VornTest::HttpsFixture {
+class KeptConnectionTest : public VornTest::TransportFixture {
 protected:
-    static void SetUpTestSuite()
-    {
-        ASSERT_TRUE(HttpLogic::GlobalInit());
-    }
-
     void SetUp() override
     {
-        VornTest::HttpsFixture::SetUp();
+        TransportFixture::SetUp();
         server_->Respond("/k", HttpResponse::Text(200, "k"));
     }
 
     long Post(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info) const
     {
-        HttpLogic logic(info, Url("/k"));
-        EXPECT_EQ(logic.InitHttpLogic(), 0);
-        return logic.PostHttpsRequest();
+        return TransportFixture::Post(info, Url("/k")).status;
     }
 
     long Post() const
     {
         return Post(Request({}));
-    }
-
-    static std::string ReadFile(const std::string &path)
-    {
-        std::ifstream in(path);
-        std::ostringstream content;
-        content << in.rdbuf();
-        return content.str();
     }
 
     // Puts `content` in place of `path` the way bundles are updated: a new file renamed over it.
@@ -96,8 +67,9 @@ TEST_F(KeptConnectionTest, AnUntrustingCaFileNeverTakesAVerifiedConnection)
     ASSERT_EQ(Post(), 200);
     EXPECT_EQ(Post(untrusting), -1);
     EXPECT_EQ(Post(untrusting), -1);
+    // Two connections of their own, neither carrying a request. (The server counts a failed
+    // handshake only after the client has gone, so that count is no condition to assert on.)
     EXPECT_EQ(server_->Connections(), 3u);
-    EXPECT_EQ(server_->FailedHandshakes(), 2u);
     EXPECT_EQ(server_->RequestCount("/k"), 1u);
     // The trusted connection is still kept for its own context.
     EXPECT_EQ(Post(), 200);
@@ -108,12 +80,12 @@ TEST_F(KeptConnectionTest, ACaFileWhoseContentChangedIsFollowedOnTheNextRequest)
 {
     auto other = VornTestbed::MakeCertificateFiles(dir_.Path("other"));
     ASSERT_TRUE(other.has_value());
-    const std::string trusted = ReadFile(files_.caFile);
+    const std::string trusted = VornTest::ReadFile(files_.caFile);
     auto info = Request({});
     info.caFile = dir_.WriteFile("trust/ca.pem", trusted);
 
     ASSERT_EQ(Post(info), 200);
-    Replace(info.caFile, ReadFile(other->caFile));
+    Replace(info.caFile, VornTest::ReadFile(other->caFile));
     EXPECT_EQ(Post(info), -1);
     EXPECT_EQ(server_->Connections(), 2u);
 
@@ -153,29 +125,6 @@ TEST_F(KeptConnectionTest, EachRouteGetsItsOwnConnection)
     EXPECT_EQ(server_->RequestCount("/k"), 7u);
 }
 
-// Within one trust context libcurl's own comparison still applies: a transfer with other TLS
-// settings opens its own connection.
-TEST_F(KeptConnectionTest, OtherTlsSettingsInOneContextOpenANewConnection)
-{
-    auto post = [this](const char *ciphers) {
-        std::unique_ptr<CURL, EasyDeleter> curl(curl_easy_init());
-        const std::string url = Url("/k");
-        (void)curl_easy_setopt(curl.get(), CURLOPT_URL, url.c_str());
-        (void)curl_easy_setopt(curl.get(), CURLOPT_CAINFO, files_.caFile.c_str());
-        (void)curl_easy_setopt(curl.get(), CURLOPT_SSL_CIPHER_LIST, ciphers);
-        (void)curl_easy_setopt(curl.get(), CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-        (void)curl_easy_setopt(curl.get(), CURLOPT_POSTFIELDS, "{}");
-        (void)curl_easy_setopt(curl.get(), CURLOPT_WRITEFUNCTION,
-            +[](char *, size_t size, size_t count, void *) { return size * count; });
-        return TransferLoop::Perform(curl.get(), "tls-test " + files_.caFile).get();
-    };
-    EXPECT_EQ(post(HttpLogic::CIPHER_LIST), CURLE_OK);
-    EXPECT_EQ(post(HttpLogic::CIPHER_LIST), CURLE_OK);
-    EXPECT_EQ(server_->Connections(), 1u);
-    EXPECT_EQ(post("ECDHE-ECDSA-AES128-GCM-SHA256:ECDHE-RSA-AES128-GCM-SHA256"), CURLE_OK);
-    EXPECT_EQ(server_->Connections(), 2u);
-}
-
 // A server whose idle time-out is shorter than ours closes the kept connection; the next
 // request notices (or retries once on a fresh connection) and is answered as usual.
 TEST_F(KeptConnectionTest, AServerThatClosesIdleConnectionsIsStillAnswered)
@@ -188,10 +137,9 @@ TEST_F(KeptConnectionTest, AServerThatClosesIdleConnectionsIsStillAnswered)
     HostPlatform::LogCapture logs;
 
     for (int i = 0; i < 4; ++i) {
-        HttpLogic logic(Request({}), closing.BaseUrl() + "/k");
-        ASSERT_EQ(logic.InitHttpLogic(), 0);
-        EXPECT_EQ(logic.PostHttpsRequest(), 200) << i;
-        EXPECT_EQ(logic.GetResponseBody(), "k");
+        const Outcome outcome = TransportFixture::Post(Request({}), closing.BaseUrl() + "/k");
+        EXPECT_EQ(outcome.status, 200) << i;
+        EXPECT_EQ(outcome.body, "k");
     }
     EXPECT_EQ(closing.Connections(), 4u);
     EXPECT_EQ(logs.CountContaining("Failed to access the server"), 0u);

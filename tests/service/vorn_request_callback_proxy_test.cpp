@@ -1,7 +1,5 @@
-#include <algorithm>
 #include <chrono>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -12,7 +10,6 @@
 #include "iremote_stub.h"
 #include "callback_parcel_limit.h"
 #include "message_option.h"
-#include "response_recorder.h"
 #include "vorn_request_callback_proxy.h"
 
 using namespace OHOS;
@@ -82,32 +79,6 @@ TEST(VornRequestCallbackProxyTest, DeadCallbackIsOnlyLogged)
     EXPECT_NO_THROW(callback->OnResponse("lost"));
     EXPECT_TRUE(recorder->transactions.empty());
     EXPECT_TRUE(capture.Contains("VornRequestCallbackProxy::OnResponse SendRequest is failed, error code: 32"));
-}
-
-TEST(VornRequestCallbackProxyTest, ConcurrentResponsesAllArrive)
-{
-    sptr<VornTest::ResponseRecorder> recorder = new VornTest::ResponseRecorder();
-    sptr<IVornRequestCallback> callback = CallbackFor(recorder);
-    ASSERT_NE(callback, nullptr);
-    std::vector<std::string> expected;
-    std::vector<std::thread> senders;
-    for (int t = 0; t < 8; ++t) {
-        for (int i = 0; i < 25; ++i) {
-            expected.push_back(std::to_string(t) + ":" + std::to_string(i));
-        }
-        senders.emplace_back([callback, t] {
-            for (int i = 0; i < 25; ++i) {
-                callback->OnResponse(std::to_string(t) + ":" + std::to_string(i));
-            }
-        });
-    }
-    for (std::thread &sender : senders) {
-        sender.join();
-    }
-    std::vector<std::string> arrived = recorder->Responses();
-    std::sort(arrived.begin(), arrived.end());
-    std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(arrived, expected);
 }
 
 TEST(VornRequestCallbackProxyTest, TheLargestResponseArrivesWholeAndALargerOneIsRefusedWithALogLine)

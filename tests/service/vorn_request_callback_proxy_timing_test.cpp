@@ -1,10 +1,8 @@
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <future>
 #include <iostream>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,45 +27,25 @@ using Clock = std::chrono::steady_clock;
 // taken all of them.
 constexpr int STUCK_CLIENTS = 8;
 
-// Counts the clients that are inside OnResponse.
-class Entered {
-public:
-    void Arrive()
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        count_++;
-        changed_.notify_all();
-    }
-    bool WaitFor(int count, std::chrono::milliseconds timeout)
-    {
-        std::unique_lock<std::mutex> lock(mutex_);
-        return changed_.wait_for(lock, timeout, [this, count] { return count_ >= count; });
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    int count_ = 0;
-};
-
-// A client whose OnResponse does not return until it is released (or 30 s pass).
+// A client whose OnResponse does not return until it is released (or 30 s pass). It first hands
+// the response to `entered`, which so counts the clients inside OnResponse.
 class StuckClient : public ResponseRecorder {
 public:
-    StuckClient(std::shared_future<void> released, std::shared_ptr<Entered> entered)
+    StuckClient(std::shared_future<void> released, sptr<ResponseRecorder> entered)
         : released_(std::move(released)), entered_(std::move(entered))
     {
     }
 
     void OnResponse(const std::string &response) override
     {
-        entered_->Arrive();
+        entered_->ResponseRecorder::OnResponse(response);
         released_.wait_for(30s);
         ResponseRecorder::OnResponse(response);
     }
 
 private:
     std::shared_future<void> released_;
-    std::shared_ptr<Entered> entered_;
+    sptr<ResponseRecorder> entered_;
 };
 
 class StuckClientTimingTest : public VornTest::EngineFixture {
@@ -108,7 +86,7 @@ TEST_F(StuckClientTimingTest, ClientsThatNeverReturnHoldNoWorkerAndDelayNobody)
 
     std::promise<void> release;
     std::shared_future<void> released = release.get_future().share();
-    auto entered = std::make_shared<Entered>();
+    sptr<ResponseRecorder> entered = new ResponseRecorder();
     std::vector<sptr<ResponseRecorder>> stuck;
     std::vector<std::future<void>> posts;
     for (int i = 0; i < STUCK_CLIENTS; i++) {
@@ -117,7 +95,7 @@ TEST_F(StuckClientTimingTest, ClientsThatNeverReturnHoldNoWorkerAndDelayNobody)
         // instead of serialising the set-up.
         posts.push_back(std::async(std::launch::async, [this, client = stuck.back()] { Post(client); }));
     }
-    ASSERT_TRUE(entered->WaitFor(STUCK_CLIENTS, 10s));
+    ASSERT_TRUE(entered->WaitForCount(STUCK_CLIENTS, 10s));
     // No engine task waits for a stuck client: the requests end and every worker is free.
     for (std::future<void> &post : posts) {
         EXPECT_EQ(post.wait_for(5s), std::future_status::ready);

@@ -140,13 +140,11 @@ TEST_F(VornSADumpTest, CountersFollowAKnownSequenceAndNoPrivateValueShows)
         EXPECT_TRUE(after.count(name)) << name << " missing from\n" << dump;
         return after.count(name) ? after.at(name) - before.at(name) : -1;
     };
-    EXPECT_EQ(delta("requests"), 2);
-    EXPECT_EQ(delta("responses_2xx"), 1);
-    EXPECT_EQ(delta("responses_4xx"), 1);
-    EXPECT_EQ(delta("responses_5xx"), 0);
-    EXPECT_EQ(delta("responses_failed"), 0);
-    EXPECT_EQ(delta("events_reported"), 1);
-    EXPECT_EQ(delta("events_dropped"), 0);
+    const Counters expected = {{"requests", 2}, {"responses_2xx", 1}, {"responses_4xx", 1}, {"responses_5xx", 0},
+        {"responses_failed", 0}, {"events_reported", 1}, {"events_dropped", 0}};
+    for (const auto &[name, count] : expected) {
+        EXPECT_EQ(delta(name), count) << name;
+    }
     EXPECT_EQ(after.at("requests_in_flight"), 0);
     EXPECT_EQ(after.at("attempts_in_flight"), 0);
     EXPECT_NE(dump.find("state: running\n"), std::string::npos) << dump;

@@ -1,7 +1,4 @@
-#include <unistd.h>
-
 #include <chrono>
-#include <climits>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -20,6 +17,7 @@
 #include "response_recorder.h"
 #include "time_utils.h"
 #include "vorn_server_logic.h"
+#include "working_directory.h"
 
 namespace {
 using namespace std::chrono_literals;
@@ -57,18 +55,13 @@ TEST(ServerLogicResponseTest, WritesSortedCompactTextWithRawUtf8AndEscapedString
                     "\"req_start_time\":1250,\"req_total_time\":350,\"req_wait_time\":250}}");
 }
 
-TEST(ServerLogicResponseTest, LeavesOutStatisticsUnlessTheExchangeHappened)
+TEST(ServerLogicResponseTest, StatisticsOnlyForAnExchangeAndWrappingWhenTheClockSteppedBack)
 {
     auto statistics = MakeStatistics(1, 2, 3, "200");
     statistics->hasStatistics = false;
-    EXPECT_EQ(VornServerLogic::GetResponse(-1, "InitHttpLogic failed", "", "", statistics),
-        R"({"body":"","code":-1,"header":"","message":"InitHttpLogic failed"})");
-    EXPECT_EQ(VornServerLogic::GetResponse(INT64_MIN, "", "", "", nullptr),
-        R"({"body":"","code":-9223372036854775808,"header":"","message":""})");
-}
+    EXPECT_EQ(VornServerLogic::GetResponse(INT64_MIN, "InitHttpLogic failed", "", "", statistics),
+        R"({"body":"","code":-9223372036854775808,"header":"","message":"InitHttpLogic failed"})");
 
-TEST(ServerLogicResponseTest, ClockSteppedBackGivesHugeUnsignedTimesAndBadUtf8Throws)
-{
     // Started at 5000, ended at 4000 and submitted after it started: both differences wrap.
     std::string text = VornServerLogic::GetResponse(200, "Request success", "", "",
         MakeStatistics(5001, 5000, 4000, "200"));
@@ -82,13 +75,6 @@ TEST(ServerLogicResponseTest, ClockSteppedBackGivesHugeUnsignedTimesAndBadUtf8Th
 class ServerLogicTest : public VornTest::EngineFixture {
 protected:
     ServerLogicTest() : EngineFixture(15s) {}
-
-    int32_t Run(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info)
-    {
-        int32_t code = std::make_shared<VornServerLogic>(info)->GetAllServiceUrl(callback_);
-        EXPECT_TRUE(HostPlatform::FfrtWaitIdle(15s));
-        return code;
-    }
 
     std::vector<std::string> Paths() const
     {
@@ -106,11 +92,8 @@ protected:
 
     size_t ErrorLines() const
     {
-        size_t count = 0;
-        for (const auto &record : logs_.Records()) {
-            count += record.level == LOG_ERROR ? 1 : 0;
-        }
-        return count;
+        return VornTest::CountLevel(logs_, LOG_ERROR, "VornService") +
+            VornTest::CountLevel(logs_, LOG_ERROR, "VornCommon");
     }
 
     HostPlatform::LogCapture logs_;
@@ -123,16 +106,13 @@ TEST_F(ServerLogicTest, SuccessResponseCarriesBodyHeadsAndConsistentStatistics)
     server_->Respond("/ok", ok);
     const uint64_t before = static_cast<uint64_t>(OHOS::Vorn::TimeUtils::GetTimeMills());
 
-    ASSERT_EQ(Run(Request({Url("/ok")})), 0);
+    ASSERT_EQ(RunToIdle(Request({Url("/ok")})), 0);
 
     const uint64_t after = static_cast<uint64_t>(OHOS::Vorn::TimeUtils::GetTimeMills());
     ASSERT_EQ(recorder_->Count(), 1u);
     const std::string text = recorder_->Responses().front();
     Json response = Json::parse(text);
     const Json &timing = response["statistics"];
-    for (const char *key : {"req_start_time", "req_end_time", "req_total_time", "req_wait_time"}) {
-        ASSERT_TRUE(timing[key].is_number_unsigned()) << key;
-    }
     const uint64_t start = timing["req_start_time"];
     const uint64_t end = timing["req_end_time"];
     const uint64_t wait = timing["req_wait_time"];
@@ -142,8 +122,6 @@ TEST_F(ServerLogicTest, SuccessResponseCarriesBodyHeadsAndConsistentStatistics)
     EXPECT_LE(end, after);
 
     const std::string header = response["header"];
-    EXPECT_EQ(header.rfind("Rule: appId=42&scope=test\r\nVersion: 1.2.3\r\n"
-                           "Service-List: {\"services\":[\"alpha\",\"beta\"]}\r\nCache-time: ", 0), 0u) << header;
     EXPECT_NE(header.find("\r\nCache-status: success\r\nCache-Control: 60\r\n\r\n"), std::string::npos) << header;
     EXPECT_EQ(text, "{\"body\":\"{\\\"urls\\\":[\\\"u1\\\"]}\",\"code\":200,\"header\":" + Json(header).dump() +
                         ",\"message\":\"Request success\",\"statistics\":{\"req_domain\":\"127.0.0.1\","
@@ -154,31 +132,12 @@ TEST_F(ServerLogicTest, SuccessResponseCarriesBodyHeadsAndConsistentStatistics)
     EXPECT_EQ(Lines(LOG_INFO, "VornServerLogic::GetAllServiceUrl success"), 1u);
 }
 
-TEST_F(ServerLogicTest, GnsRequestGetsTheRawResponseHeads)
-{
-    HttpResponse ok = HttpResponse::Text(200, "gns");
-    ok.headerLines = {"X-Raw: yes"};
-    server_->Respond("/gns", ok);
-    auto info = Request({Url("/gns")});
-    info.saType = "gns";
-
-    ASSERT_EQ(Run(info), 0);
-
-    ASSERT_EQ(recorder_->Count(), 1u);
-    Json response = Json::parse(recorder_->Responses().front());
-    const std::string header = response["header"];
-    EXPECT_EQ(header.rfind("HTTP/1.1 200", 0), 0u) << header;
-    EXPECT_NE(header.find("X-Raw: yes\r\n"), std::string::npos);
-    EXPECT_EQ(response["body"], "gns");
-    EXPECT_EQ(server_->Requests().front().query, "");
-}
-
 TEST_F(ServerLogicTest, FailedFirstUrlFallsBackSilentlyToTheSecond)
 {
     server_->Respond("/a", HttpResponse::Text(500, "down"));
     server_->Respond("/b", HttpResponse::Text(200, "up"));
 
-    ASSERT_EQ(Run(Request({Url("/a"), Url("/b"), Url("/never")})), 0);
+    ASSERT_EQ(RunToIdle(Request({Url("/a"), Url("/b"), Url("/never")})), 0);
 
     EXPECT_EQ(Paths(), (std::vector<std::string>{"/a", "/b"}));
     ASSERT_EQ(recorder_->Count(), 1u);
@@ -195,7 +154,7 @@ TEST_F(ServerLogicTest, OnlyTheLastUrlReportsFailureWithItsStatus)
     server_->Respond("/a", HttpResponse::Text(500, "down"));
     server_->Respond("/b", HttpResponse::Text(404, "missing"));
 
-    EXPECT_EQ(Run(Request({Url("/a"), Url("/b")})), -1);
+    EXPECT_EQ(RunToIdle(Request({Url("/a"), Url("/b")})), -1);
 
     ASSERT_EQ(recorder_->Count(), 1u);
     const std::string text = recorder_->Responses().front();
@@ -208,41 +167,9 @@ TEST_F(ServerLogicTest, OnlyTheLastUrlReportsFailureWithItsStatus)
     EXPECT_EQ(Lines(LOG_WARN, "VornServerLogic::GetAllServiceUrl futrue not OK"), 1u);
 }
 
-TEST_F(ServerLogicTest, InvalidUtf8BodyIsDroppedAndTheServiceGoesOn)
-{
-    server_->Respond("/bad", HttpResponse::Text(200, "caf\xe9"));
-    server_->Respond("/good", HttpResponse::Text(200, "Grüße, 東京"));
-
-    EXPECT_EQ(Run(Request({Url("/bad")})), -1);
-    EXPECT_EQ(recorder_->Count(), 0u);
-    EXPECT_EQ(ErrorLines(), 1u);
-    EXPECT_EQ(logs_.CountContaining("VornServerLogic attempt failed with exception"), 1u);
-    EXPECT_EQ(Lines(LOG_WARN, "SubmitRequestTask::fail -1"), 1u);
-
-    ASSERT_EQ(Run(Request({Url("/good")})), 0);
-    ASSERT_EQ(recorder_->Count(), 1u);
-    EXPECT_EQ(recorder_->Responses().front().rfind("{\"body\":\"Grüße, 東京\",\"code\":200,", 0), 0u);
-    EXPECT_EQ(ErrorLines(), 1u);
-}
-
 // Runs with the working directory at a fresh root, as the service does on a device.
 class ServerConfigTest : public ServerLogicTest {
 protected:
-    void SetUp() override
-    {
-        ServerLogicTest::SetUp();
-        char cwd[PATH_MAX];
-        ASSERT_NE(getcwd(cwd, sizeof(cwd)), nullptr);
-        oldCwd_ = cwd;
-        ASSERT_EQ(chdir(root_.Path().c_str()), 0);
-    }
-
-    void TearDown() override
-    {
-        EXPECT_EQ(chdir(oldCwd_.c_str()), 0);
-        ServerLogicTest::TearDown();
-    }
-
     void WriteConfig(const std::string &content)
     {
         root_.WriteFile(CONFIG_PATH, content);
@@ -255,7 +182,7 @@ protected:
     }
 
     VornTestbed::TempDir root_;
-    std::string oldCwd_;
+    VornTest::WorkingDirectory cwd_{root_.Path()};
 };
 
 TEST_F(ServerConfigTest, RoutingUrlsGetTheEndpointAppendedVerbatim)
@@ -264,7 +191,7 @@ TEST_F(ServerConfigTest, RoutingUrlsGetTheEndpointAppendedVerbatim)
     server_->Respond("/b/v1", HttpResponse::Text(200, "routes"));
     WriteConfig(Config("[\"" + Url("/a/") + "\",\"" + Url("/b") + "\"]", "/v1"));
 
-    ASSERT_EQ(Run(Request({})), 0);
+    ASSERT_EQ(RunToIdle(Request({})), 0);
 
     EXPECT_EQ(Paths(), (std::vector<std::string>{"/a//v1", "/b/v1"}));
     EXPECT_EQ(server_->Requests().back().query, "appId=42&scope=test");
@@ -291,7 +218,7 @@ TEST_F(ServerConfigTest, UnusableConfigurationAnswersWithOneErrorResponse)
         NewCallback();
         logs_.Clear();
 
-        EXPECT_EQ(Run(Request({})), -1);
+        EXPECT_EQ(RunToIdle(Request({})), -1);
 
         EXPECT_EQ(recorder_->Responses(), std::vector<std::string>{CONFIG_FAILED_RESPONSE});
         EXPECT_EQ(Lines(LOG_ERROR, c.log), 1u);
@@ -304,7 +231,7 @@ TEST_F(ServerConfigTest, EmptyRoutingListEndsTheJobWithoutResponse)
 {
     WriteConfig(Config("[]", "/v1"));
 
-    EXPECT_EQ(Run(Request({})), -1);
+    EXPECT_EQ(RunToIdle(Request({})), -1);
 
     EXPECT_EQ(recorder_->Count(), 0u);
     EXPECT_EQ(Lines(LOG_WARN, "VornServerLogic::GetAllServiceUrl futrue not OK"), 1u);
@@ -318,9 +245,9 @@ TEST_F(ServerConfigTest, GnsRequestsAndRequestsWithOwnUrlsNeverReadTheConfigurat
     auto gns = Request({});
     gns.saType = "gns";
 
-    EXPECT_EQ(Run(gns), -1);
+    EXPECT_EQ(RunToIdle(gns), -1);
     EXPECT_EQ(recorder_->Count(), 0u);
-    EXPECT_EQ(Run(Request({Url("/own")})), 0);
+    EXPECT_EQ(RunToIdle(Request({Url("/own")})), 0);
     EXPECT_EQ(recorder_->Count(), 1u);
 
     EXPECT_EQ(ErrorLines(), 0u);

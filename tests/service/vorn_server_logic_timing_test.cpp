@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -18,8 +17,9 @@
 #include "time_utils.h"
 #include "vorn_server_logic.h"
 
-// Real-clock behaviour of the request engine: the one-second race between URLs, the 9000 ms
-// budget and the 10 s wait for the request job. Bounds are loose for a busy build machine.
+// Real-clock behaviour of the request engine: a late first URL and the 9000 ms budget (the
+// one-second race and the 10 s job wait are timed under load in engine_load_timing_test).
+// Bounds are loose for a busy build machine.
 namespace {
 using namespace std::chrono_literals;
 using OHOS::sptr;
@@ -59,35 +59,8 @@ protected:
         return VornTest::ServiceLines(logs_, level, text);
     }
 
-    // Index of the first log line equal to `text`, or the number of lines.
-    size_t LinePosition(const std::string &text) const
-    {
-        auto records = logs_.Records();
-        auto it = std::find_if(records.begin(), records.end(), [&](const auto &r) { return r.text == text; });
-        return static_cast<size_t>(it - records.begin());
-    }
-
     HostPlatform::LogCapture logs_;
 };
-
-TEST_F(ServerLogicTimingTest, StalledUrlIsOvertakenByTheNextAfterOneSecond)
-{
-    auto start = Clock::now();
-    ASSERT_EQ(std::make_shared<VornServerLogic>(Request({Url("/stall1"), Url("/ok"), Url("/stall2")}))
-                  ->GetAllServiceUrl(callback_), 0);
-    const long long elapsed = MsSince(start);
-
-    EXPECT_GE(elapsed, 950);
-    EXPECT_LT(elapsed, 2500);
-    EXPECT_LT(LinePosition("SubmitRequestTask:: next"), LinePosition("SubmitRequestTask::success"));
-    EXPECT_EQ(Lines(LOG_INFO, "SubmitRequestTask:: next"), 1u);
-    EXPECT_EQ(server_->RequestCount("/stall2"), 0u);
-    server_->Stop();
-    ASSERT_TRUE(HostPlatform::FfrtWaitIdle(20s));
-    // The overtaken attempt failed when the server went away, but it was not the last URL.
-    ASSERT_EQ(recorder_->Count(), 1u);
-    EXPECT_EQ(Json::parse(recorder_->Responses().front())["body"], "fast");
-}
 
 TEST_F(ServerLogicTimingTest, LateFirstUrlStillAnswersAfterTheRequestReturned)
 {
@@ -138,22 +111,5 @@ TEST_F(ServerLogicTimingTest, ExpiredOrFutureStartTimeReturnsBeforeAnyAttempt)
     ASSERT_TRUE(HostPlatform::FfrtWaitIdle(5s));
     EXPECT_EQ(server_->RequestCount(), 0u);
     EXPECT_EQ(recorder_->Count(), 0u);
-}
-
-TEST_F(ServerLogicTimingTest, RequestJobIsAwaitedForTenSecondsOnly)
-{
-    auto start = Clock::now();
-    EXPECT_EQ(std::make_shared<VornServerLogic>(Request({Url("/stall1"), Url("/stall2"), Url("/stall3")}))
-                  ->GetAllServiceUrl(callback_), -1);
-    const long long elapsed = MsSince(start);
-
-    EXPECT_GE(elapsed, 9950);
-    EXPECT_LT(elapsed, 11500);
-    EXPECT_EQ(Lines(LOG_WARN, "VornServerLogic::GetAllServiceUrl futrue wait timeout"), 1u);
-    EXPECT_EQ(recorder_->Count(), 0u);
-    // The job runs on: once the server goes, the last URL's attempt still reports its failure.
-    server_->Stop();
-    ASSERT_TRUE(recorder_->WaitForCount(1, 15s));
-    EXPECT_EQ(Json::parse(recorder_->Responses().front())["message"], "PostHttpsRequest failed");
 }
 } // namespace

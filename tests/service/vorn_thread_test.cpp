@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <chrono>
 #include <future>
 #include <memory>
 #include <thread>
@@ -7,18 +5,13 @@
 
 #include <gtest/gtest.h>
 
-#include "ffrt_host.h"
-#include "ffrt_inner.h"
 #include "hilog_host.h"
-#include "vorn_error_code.h"
 #include "vorn_thread.h"
 
 using namespace OHOS::Vorn;
-using namespace std::chrono_literals;
 using Pool = std::shared_ptr<AsyncTaskExecutor>;
 
 namespace {
-constexpr auto SETTLE_TIMEOUT = 10s;
 // Lives from before the first pool is made, so the creation lines are seen whatever test runs first.
 HostPlatform::LogCapture g_processLog;
 } // namespace
@@ -55,27 +48,4 @@ TEST(VornThreadTest, RacingCallersShareOnePoolPerType)
     }
     EXPECT_EQ(g_processLog.Count("created. mode:NORMAL_SUBMIT. name:vorn-http-thread-pool"), 1U);
     EXPECT_EQ(g_processLog.Count("created. mode:NORMAL_SUBMIT. name:vorn-binder-thread-pool"), 1U);
-}
-
-TEST(VornThreadTest, JobsWaitingOnTheirOwnPoolStillComplete)
-{
-    // A request job waits on the attempts it posted to the same pool; with more such jobs than
-    // running workers the attempts still run, because a waiting job gives its worker back.
-    const Pool pool = VornThread::GetThreadPool(HTTP_POOL);
-    const int jobCount = static_cast<int>(HostPlatform::FfrtRunningWorkerLimit()) * 2 + 1;
-    ffrt::promise<void> go;
-    auto start = std::make_shared<ffrt::future<void>>(go.get_future());
-    std::vector<ffrt::future<VornErrorCodeType>> jobs;
-    for (int i = 0; i < jobCount; ++i) {
-        jobs.push_back(pool->Submit([pool, start] {
-            start->wait();
-            ffrt::future<VornErrorCodeType> attempt = pool->Submit([] { return SUCCESS; }, "attempt");
-            return attempt.wait_for(SETTLE_TIMEOUT) == ffrt::future_status::ready ? attempt.get() : ERR_FAILED;
-        }, "job"));
-    }
-    go.set_value();
-    for (auto &job : jobs) {
-        ASSERT_EQ(job.wait_for(SETTLE_TIMEOUT * 2), ffrt::future_status::ready);
-        EXPECT_EQ(job.get(), SUCCESS);
-    }
 }
