@@ -5,7 +5,13 @@
 namespace VornBench {
 namespace {
 constexpr const char *PROXY_VARIABLES[] = {
-    "VORN_DEFAULT_HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "http_proxy", "HTTP_PROXY", "all_proxy", "ALL_PROXY",
+    "VORN_DEFAULT_HTTP_PROXY",
+    "https_proxy",
+    "HTTPS_PROXY",
+    "http_proxy",
+    "HTTP_PROXY",
+    "all_proxy",
+    "ALL_PROXY",
 };
 } // namespace
 

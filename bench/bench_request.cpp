@@ -16,7 +16,8 @@ BenchRequest MakeBenchRequest(size_t requestId)
     BenchRequest request;
     request.appVersion = "14.2.0.301";
     request.queryHeaders = "appId=104857631&deviceType=phone&osVersion=5.0.0.115&region=eu&lang=en-GB&"
-                           "channel=release&reqId=" + id;
+                           "channel=release&reqId=" +
+        id;
     request.requestHeaders = {
         "Content-Type: application/json;charset=UTF-8",
         "Accept: application/json",

@@ -11,9 +11,15 @@ namespace {
 void BM_EventDataJsonToMap(benchmark::State &state)
 {
     nlohmann::json content = {
-        {"appId", "104857631"}, {"appVersion", "14.2.0.301"}, {"scene", "cold_start"},
-        {"result", "success"}, {"costTime", "412"}, {"networkType", "wifi"},
-        {"deviceModel", "HBN-AL80"}, {"osVersion", "5.0.0.115"}, {"region", "eu"},
+        {"appId", "104857631"},
+        {"appVersion", "14.2.0.301"},
+        {"scene", "cold_start"},
+        {"result", "success"},
+        {"costTime", "412"},
+        {"networkType", "wifi"},
+        {"deviceModel", "HBN-AL80"},
+        {"osVersion", "5.0.0.115"},
+        {"region", "eu"},
         {"traceId", "00f067aa0ba902b7-4bf92f3577b34da6"},
     };
     std::string text = content.dump();

@@ -19,8 +19,8 @@
 #include "local_https_server.h"
 #include "message_option.h"
 #include "message_parcel.h"
-#include "vorn_request_callback_stub.h"
 #include "temp_dir.h"
+#include "vorn_request_callback_stub.h"
 #include "vorn_sa_stub.h"
 
 namespace VornBench {
@@ -30,8 +30,7 @@ using Clock = std::chrono::steady_clock;
 constexpr int64_t ITERATIONS = 4096;
 constexpr int WARM_UP_CALLS = 4;
 constexpr std::chrono::seconds DRAIN_TIMEOUT(60);
-constexpr uint32_t REQUEST_CODE =
-    static_cast<uint32_t>(OHOS::Vorn::VornInterfaceCode::GET_VORN_CONFIG_FROM_SERVER);
+constexpr uint32_t REQUEST_CODE = static_cast<uint32_t>(OHOS::Vorn::VornInterfaceCode::GET_VORN_CONFIG_FROM_SERVER);
 
 // One code-1 call as the IPC layer delivers it; returns how long it took.
 double TimedCall(OHOS::Vorn::VornSAStub &stub, const OHOS::sptr<OHOS::IRemoteObject> &callback,
@@ -115,11 +114,17 @@ void BM_RequestIntake(benchmark::State &state)
     state.counters["max_us"] = summary.max;
     state.counters["request_bytes"] = static_cast<double>(request.size());
     // Every call must have been answered by the background work, or the numbers mean little.
-    state.counters["unanswered"] =
-        static_cast<double>(static_cast<size_t>(WARM_UP_CALLS) + micros.size() - responses->load(std::memory_order_relaxed));
+    state.counters["unanswered"] = static_cast<double>(
+        static_cast<size_t>(WARM_UP_CALLS) + micros.size() - responses->load(std::memory_order_relaxed));
 }
 // Batch 1: every call meets an idle service; 8 and 64: calls overlap the work of the calls before.
-BENCHMARK(BM_RequestIntake)->ArgName("batch")->Arg(1)->Arg(8)->Arg(64)->UseManualTime()->Iterations(ITERATIONS)
+BENCHMARK(BM_RequestIntake)
+    ->ArgName("batch")
+    ->Arg(1)
+    ->Arg(8)
+    ->Arg(64)
+    ->UseManualTime()
+    ->Iterations(ITERATIONS)
     ->Unit(benchmark::kMicrosecond);
 } // namespace
 } // namespace VornBench

@@ -9,13 +9,13 @@
 namespace VornBench {
 namespace {
 constexpr double PANEL_WIDTH = 340;
-constexpr double PANEL_GAP = 56;  // room for the next panel's percent labels
+constexpr double PANEL_GAP = 56; // room for the next panel's percent labels
 constexpr double PLOT_HEIGHT = 260;
 constexpr double MARGIN_LEFT = 62;
 constexpr double MARGIN_RIGHT = 20;
-constexpr double MARGIN_TOP = 100;    // title, legend, then panel titles
+constexpr double MARGIN_TOP = 100; // title, legend, then panel titles
 constexpr double LEGEND_TOP = 44;
-constexpr double MARGIN_BOTTOM = 52;  // tick labels and the axis title
+constexpr double MARGIN_BOTTOM = 52; // tick labels and the axis title
 constexpr double LEGEND_ROW = 18;
 constexpr double LOWEST_MS = 0.01;
 constexpr int PERCENT_STEP = 25;
@@ -35,11 +35,20 @@ std::string Escaped(const std::string &text)
     std::string out;
     for (char c : text) {
         switch (c) {
-            case '&': out += "&amp;"; break;
-            case '<': out += "&lt;"; break;
-            case '>': out += "&gt;"; break;
-            case '"': out += "&quot;"; break;
-            default: out += c;
+            case '&':
+                out += "&amp;";
+                break;
+            case '<':
+                out += "&lt;";
+                break;
+            case '>':
+                out += "&gt;";
+                break;
+            case '"':
+                out += "&quot;";
+                break;
+            default:
+                out += c;
         }
     }
     return out;
@@ -53,8 +62,8 @@ std::string Text(double x, double y, const std::string &text, const char *anchor
 
 std::string Line(double x1, double y1, double x2, double y2, const std::string &style)
 {
-    return "<line x1=\"" + Number(x1) + "\" y1=\"" + Number(y1) + "\" x2=\"" + Number(x2) + "\" y2=\"" +
-        Number(y2) + "\" " + style + "/>\n";
+    return "<line x1=\"" + Number(x1) + "\" y1=\"" + Number(y1) + "\" x2=\"" + Number(x2) + "\" y2=\"" + Number(y2) +
+        "\" " + style + "/>\n";
 }
 
 // "0.01", "0.1", "1", "10", "100", "1000": a tick label for 10^exponent ms.
@@ -159,7 +168,8 @@ void LatencyPlot::DrawPanel(std::string &svg, const PlotPanel &panel, double lef
     const std::vector<std::string> labels = Labels();
     for (const PlotCurve &curve : panel.curves) {
         const size_t index = static_cast<size_t>(std::find(labels.begin(), labels.end(), curve.label) - labels.begin());
-        const double step = curve.percentiles.size() > 1 ? HUNDRED / static_cast<double>(curve.percentiles.size() - 1) : 0;
+        const double step =
+            curve.percentiles.size() > 1 ? HUNDRED / static_cast<double>(curve.percentiles.size() - 1) : 0;
         std::string points;
         for (size_t i = 0; i < curve.percentiles.size(); ++i) {
             points += Number(xOf(curve.percentiles[i])) + "," + Number(yOf(step * static_cast<double>(i))) + " ";
@@ -171,8 +181,8 @@ void LatencyPlot::DrawPanel(std::string &svg, const PlotPanel &panel, double lef
 
 std::string LatencyPlot::Svg() const
 {
-    const double width = MARGIN_LEFT + static_cast<double>(panels_.size()) * (PANEL_WIDTH + PANEL_GAP) -
-        PANEL_GAP + MARGIN_RIGHT;
+    const double width =
+        MARGIN_LEFT + static_cast<double>(panels_.size()) * (PANEL_WIDTH + PANEL_GAP) - PANEL_GAP + MARGIN_RIGHT;
     const double height = MARGIN_TOP + PLOT_HEIGHT + MARGIN_BOTTOM;
     std::string svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + Number(width) + "\" height=\"" +
         Number(height) + "\" viewBox=\"0 0 " + Number(width) + " " + Number(height) +
@@ -181,8 +191,9 @@ std::string LatencyPlot::Svg() const
     svg += Text(MARGIN_LEFT, 20, title_, "start", 14);
     DrawLegend(svg);
     const double middle = MARGIN_TOP + PLOT_HEIGHT / 2;
-    svg += "<text x=\"14\" y=\"" + Number(middle) + "\" text-anchor=\"middle\" font-size=\"12\" transform=\"rotate(-90 14 " +
-        Number(middle) + ")\">requests answered within</text>\n";
+    svg += "<text x=\"14\" y=\"" + Number(middle) +
+        "\" text-anchor=\"middle\" font-size=\"12\" transform=\"rotate(-90 14 " + Number(middle) +
+        ")\">requests answered within</text>\n";
     const Range range = TimeRange();
     for (size_t i = 0; i < panels_.size(); ++i) {
         DrawPanel(svg, panels_[i], MARGIN_LEFT + static_cast<double>(i) * (PANEL_WIDTH + PANEL_GAP), range);

@@ -14,7 +14,7 @@ struct PlotCurve {
 // The runs made under one condition, drawn in one panel.
 struct PlotPanel {
     std::string title;
-    double markMs = 0;  // a dashed line here (the path's RTT), none when 0
+    double markMs = 0; // a dashed line here (the path's RTT), none when 0
     std::vector<PlotCurve> curves;
 };
 

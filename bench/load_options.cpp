@@ -1,8 +1,8 @@
 #include "load_options.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <algorithm>
 
 namespace VornBench {
 namespace {

@@ -141,22 +141,18 @@ void LoadReport::PrintTable(std::ostream &out) const
         }
         PrintRow(out, columnWidth, label, cells);
     };
-    plainRow("answered", [](const RunResult &run) {
-        return std::to_string(run.answered) + "/" + std::to_string(run.requests);
-    });
+    plainRow("answered",
+        [](const RunResult &run) { return std::to_string(run.answered) + "/" + std::to_string(run.requests); });
     plainRow("failed", [](const RunResult &run) { return std::to_string(run.failed); });
-    plainRow("threads before/after", [](const RunResult &run) {
-        return std::to_string(run.threadsStart) + "/" + std::to_string(run.threadsIdle);
-    });
-    plainRow("peak runtime workers", [](const RunResult &run) {
-        return run.workersPeak == 0 ? std::string("-") : std::to_string(run.workersPeak);
-    });
+    plainRow("threads before/after",
+        [](const RunResult &run) { return std::to_string(run.threadsStart) + "/" + std::to_string(run.threadsIdle); });
+    plainRow("peak runtime workers",
+        [](const RunResult &run) { return run.workersPeak == 0 ? std::string("-") : std::to_string(run.workersPeak); });
     plainRow("VmHWM (MiB)", [](const RunResult &run) { return Mib(run.hwmKib); });
     plainRow("RSS cold (MiB)", [](const RunResult &run) { return Mib(run.rssColdKib); });
     plainRow("RSS before run (MiB)", [](const RunResult &run) { return Mib(run.rssStartKib); });
-    plainRow("RSS after, idle (MiB)", [](const RunResult &run) {
-        return Mib(run.rssIdleKib) + Format(" (%+.1f%%)", run.RssGrowthPercent());
-    });
+    plainRow("RSS after, idle (MiB)",
+        [](const RunResult &run) { return Mib(run.rssIdleKib) + Format(" (%+.1f%%)", run.RssGrowthPercent()); });
 
     for (size_t i = 1; i < serviceRuns_.size(); ++i) {
         out << "variant " << i << ": " << serviceRuns_[i].name << "\n";
@@ -170,8 +166,8 @@ void LoadReport::PrintTable(std::ostream &out) const
             << Format(" (%+.2f ms)", checks.p50DeltaMs) << "\n"
             << "    C=16:  throughput >= 90 % of bare          " << YesNo(checks.throughputOk)
             << Format(" (%.0f %%)", checks.throughputRatio * 100) << "\n"
-            << "    C=256: threads less clients <= limit+8 = " << checks.threadLimit << " "
-            << YesNo(checks.threadsOk) << " (" << run.ServingThreadsPeak() << ")\n"
+            << "    C=256: threads less clients <= limit+8 = " << checks.threadLimit << " " << YesNo(checks.threadsOk)
+            << " (" << run.ServingThreadsPeak() << ")\n"
             << "    C=256: RSS after within 10 % of before     " << YesNo(checks.rssOk)
             << Format(" (%+.1f %%)", checks.rssGrowthPercent) << "\n";
     }
@@ -186,26 +182,28 @@ nlohmann::json LoadReport::ToJson() const
         Checks checks = Check(run);
         comparisons.push_back({
             {"run", run.name},
-            {"ratio_to_bare", {
-                {"p50", Ratio(run.latencyMs.p50, bareRun_.latencyMs.p50)},
-                {"p90", Ratio(run.latencyMs.p90, bareRun_.latencyMs.p90)},
-                {"p99", Ratio(run.latencyMs.p99, bareRun_.latencyMs.p99)},
-                {"throughput", Ratio(run.throughput, bareRun_.throughput)},
-                {"cpu_per_request", Ratio(run.cpuMsPerRequest, bareRun_.cpuMsPerRequest)},
-                {"threads_peak", Ratio(static_cast<double>(run.threadsPeak),
-                    static_cast<double>(bareRun_.threadsPeak))},
-                {"rss_peak", Ratio(static_cast<double>(run.rssPeakKib), static_cast<double>(bareRun_.rssPeakKib))},
-            }},
-            {"targets", {
-                {"all_answered", checks.allAnswered},
-                {"p50_delta_ms", checks.p50DeltaMs},
-                {"p50_ok", checks.p50Ok},
-                {"throughput_ok", checks.throughputOk},
-                {"thread_limit", checks.threadLimit},
-                {"threads_ok", checks.threadsOk},
-                {"rss_growth_percent", checks.rssGrowthPercent},
-                {"rss_ok", checks.rssOk},
-            }},
+            {"ratio_to_bare",
+                {
+                    {"p50", Ratio(run.latencyMs.p50, bareRun_.latencyMs.p50)},
+                    {"p90", Ratio(run.latencyMs.p90, bareRun_.latencyMs.p90)},
+                    {"p99", Ratio(run.latencyMs.p99, bareRun_.latencyMs.p99)},
+                    {"throughput", Ratio(run.throughput, bareRun_.throughput)},
+                    {"cpu_per_request", Ratio(run.cpuMsPerRequest, bareRun_.cpuMsPerRequest)},
+                    {"threads_peak",
+                        Ratio(static_cast<double>(run.threadsPeak), static_cast<double>(bareRun_.threadsPeak))},
+                    {"rss_peak", Ratio(static_cast<double>(run.rssPeakKib), static_cast<double>(bareRun_.rssPeakKib))},
+                }},
+            {"targets",
+                {
+                    {"all_answered", checks.allAnswered},
+                    {"p50_delta_ms", checks.p50DeltaMs},
+                    {"p50_ok", checks.p50Ok},
+                    {"throughput_ok", checks.throughputOk},
+                    {"thread_limit", checks.threadLimit},
+                    {"threads_ok", checks.threadsOk},
+                    {"rss_growth_percent", checks.rssGrowthPercent},
+                    {"rss_ok", checks.rssOk},
+                }},
         });
     }
     runs.push_back(bareRun_.ToJson());

@@ -52,7 +52,7 @@ std::string JsonBody(size_t bytes)
     for (size_t i = 0; body.size() < bytes; ++i) {
         endpoints.push_back({{"service", "com.example.service.endpoint" + std::to_string(i)},
             {"url", "https://svc" + std::to_string(i) + ".eu.example.com/api/v2"}, {"ttl", 3600}});
-        body = nlohmann::json{{"resultCode", 0}, {"endpoints", endpoints}}.dump();
+        body = nlohmann::json {{"resultCode", 0}, {"endpoints", endpoints}}.dump();
     }
     return body.substr(0, bytes);
 }

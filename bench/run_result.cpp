@@ -4,8 +4,7 @@
 
 namespace VornBench {
 namespace {
-template <typename Field>
-double Median(const std::vector<RunResult> &runs, Field field)
+template <typename Field> double Median(const std::vector<RunResult> &runs, Field field)
 {
     std::vector<double> values;
     for (const RunResult &run : runs) {
@@ -16,8 +15,7 @@ double Median(const std::vector<RunResult> &runs, Field field)
     return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
 
-template <typename Field>
-size_t Highest(const std::vector<RunResult> &runs, Field field)
+template <typename Field> size_t Highest(const std::vector<RunResult> &runs, Field field)
 {
     size_t highest = 0;
     for (const RunResult &run : runs) {
@@ -100,13 +98,16 @@ nlohmann::json RunResult::ToJson() const
         {"seconds", seconds},
         {"throughput_rps", throughput},
         {"cpu_ms_per_request", cpuMsPerRequest},
-        {"latency_ms", {{"p50", latencyMs.p50}, {"p90", latencyMs.p90}, {"p99", latencyMs.p99},
-            {"max", latencyMs.max}, {"mean", latencyMs.mean}, {"percentiles", latencyMs.percentiles}}},
-        {"threads", {{"start", threadsStart}, {"peak", threadsPeak}, {"idle", threadsIdle},
-            {"harness", harnessThreads}, {"peak_less_harness", ServingThreadsPeak()},
-            {"peak_runtime_workers", workersPeak}, {"runtime_thread_limit", workerThreadLimit}}},
-        {"rss_kib", {{"cold", rssColdKib}, {"start", rssStartKib}, {"peak", rssPeakKib}, {"hwm", hwmKib},
-            {"idle", rssIdleKib}, {"idle_growth_percent", RssGrowthPercent()}}},
+        {"latency_ms",
+            {{"p50", latencyMs.p50}, {"p90", latencyMs.p90}, {"p99", latencyMs.p99}, {"max", latencyMs.max},
+                {"mean", latencyMs.mean}, {"percentiles", latencyMs.percentiles}}},
+        {"threads",
+            {{"start", threadsStart}, {"peak", threadsPeak}, {"idle", threadsIdle}, {"harness", harnessThreads},
+                {"peak_less_harness", ServingThreadsPeak()}, {"peak_runtime_workers", workersPeak},
+                {"runtime_thread_limit", workerThreadLimit}}},
+        {"rss_kib",
+            {{"cold", rssColdKib}, {"start", rssStartKib}, {"peak", rssPeakKib}, {"hwm", hwmKib}, {"idle", rssIdleKib},
+                {"idle_growth_percent", RssGrowthPercent()}}},
     };
 }
 

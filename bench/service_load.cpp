@@ -69,8 +69,7 @@ struct ServiceLoad::Outcome {
 };
 
 ServiceLoad::ServiceLoad(OHOS::sptr<OHOS::IRemoteObject> service, LoadTarget target)
-    : service_(OHOS::iface_cast<OHOS::Vorn::IVornSAInterface>(service)),
-      target_(std::move(target)),
+    : service_(OHOS::iface_cast<OHOS::Vorn::IVornSAInterface>(service)), target_(std::move(target)),
       warmUp_(target_.baseUrl, target_.caFile, {QUERY_PATH}),
       measured_(target_.baseUrl, target_.caFile,
           target_.stalledPrimary ? std::vector<std::string> {STALLED_PATH, QUERY_PATH}
@@ -160,7 +159,7 @@ ServiceLoad::Call ServiceLoad::CallOnce(const RequestTemplate &templates, size_t
     Call call;
     call.calledAt = Clock::now();
     if (service_ == nullptr || service_->PostVornRequest(request, callback) != 0) {
-        call.answered = true;  // refused at once: answered, but not served
+        call.answered = true; // refused at once: answered, but not served
         return call;
     }
     std::unique_lock<std::mutex> lock(first->mutex);

@@ -31,13 +31,13 @@ bool StallReport::TargetMet() const
 void StallReport::PrintTable(std::ostream &out) const
 {
     const LatencySummary &latency = run_.latencyMs;
-    out << "vorn_load: stalled primary, " << run_.requests / run_.repetitions << " requests, "
-        << run_.concurrency << " at a time; each names a URL answering after 3 s, then one answering at once";
+    out << "vorn_load: stalled primary, " << run_.requests / run_.repetitions << " requests, " << run_.concurrency
+        << " at a time; each names a URL answering after 3 s, then one answering at once";
     if (run_.repetitions > 1) {
         out << "; " << run_.repetitions << " runs (medians)";
     }
-    out << "\n\ncall to first response  p50 " << Seconds(latency.p50) << ", p90 " << Seconds(latency.p90)
-        << ", p99 " << Seconds(latency.p99) << ", max " << Seconds(latency.max) << "\n"
+    out << "\n\ncall to first response  p50 " << Seconds(latency.p50) << ", p90 " << Seconds(latency.p90) << ", p99 "
+        << Seconds(latency.p99) << ", max " << Seconds(latency.max) << "\n"
         << "answered                " << run_.answered << "/" << run_.requests << ", " << run_.failed
         << " not with 200\n"
         << "peak runtime workers    " << run_.workersPeak << "\n"

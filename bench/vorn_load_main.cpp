@@ -35,7 +35,7 @@ constexpr int EXIT_BROKEN = 2;
 // One kind of run: the service as it is, the service with a variable set, or bare libcurl.
 struct RunKind {
     std::string name;
-    std::string run;  // what the child runs: "service" or "bare"
+    std::string run; // what the child runs: "service" or "bare"
     std::vector<EnvChange> env;
 };
 
@@ -217,8 +217,8 @@ int Compare(const LoadOptions &options)
             return EXIT_BROKEN;
         }
         const std::string baseUrl = "https://127.0.0.1:" + std::to_string(relay.Port());
-        std::string endpoint = server.BaseUrl() + QUERY_PATH + " through a relay adding " + std::to_string(rtt) +
-            " ms RTT";
+        std::string endpoint =
+            server.BaseUrl() + QUERY_PATH + " through a relay adding " + std::to_string(rtt) + " ms RTT";
         if (options.bandwidth > 0) {
             endpoint += " and limiting each direction to " + std::to_string(options.bandwidth) + " bytes/s";
         }

@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const std::string original = content;
     (void)OHOS::Vorn::BaseEvent::EventDataJsonToMap(content);
     if (content != original) {
-        std::abort();  // the content is taken by reference but must not change
+        std::abort(); // the content is taken by reference but must not change
     }
     return 0;
 }

@@ -14,8 +14,7 @@ using OHOS::Vorn::VornInitConfigParser;
 using OHOS::Vorn::VornOmsaInfo;
 
 namespace {
-template <typename Fill>
-void ReadCaught(const nlohmann::json &json, Fill fill)
+template <typename Fill> void ReadCaught(const nlohmann::json &json, Fill fill)
 {
     try {
         fill(json);

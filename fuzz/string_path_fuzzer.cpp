@@ -27,7 +27,7 @@ void Require(bool condition)
 void CheckSplit(const std::string &text, const std::string &separator)
 {
     if (separator.empty()) {
-        return;  // callers never pass one, and it would never end
+        return; // callers never pass one, and it would never end
     }
     const std::vector<std::string> pieces = StringUtils::SplitAllByString(text, separator);
     Require(!pieces.empty());

@@ -47,7 +47,7 @@ Connection Deliver(const void *bytes, size_t size)
 {
     int fds[2];
     Require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, fds) == 0, "socketpair failed");
-    Connection connection{UniqueFd(fds[0]), UniqueFd(fds[1])};
+    Connection connection {UniqueFd(fds[0]), UniqueFd(fds[1])};
     Require(send(connection.client.Get(), bytes, size, MSG_NOSIGNAL) == static_cast<ssize_t>(size), "short write");
     shutdown(connection.client.Get(), SHUT_WR);
     return connection;

@@ -16,11 +16,11 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include "ipc_types.h"
 #include "fuzz_choice.h"
-#include "quiet_service_initialize.h"
+#include "ipc_types.h"
 #include "message_option.h"
 #include "message_parcel.h"
+#include "quiet_service_initialize.h"
 #include "vorn_request_callback_stub.h"
 
 using namespace OHOS;

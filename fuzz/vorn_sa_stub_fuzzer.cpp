@@ -45,7 +45,13 @@ using VornFuzz::ChooseMostlyValid;
 enum class Caller : uint8_t { NATIVE, SYSTEM_APP, APP, LAST = APP };
 enum class Token : uint8_t { RIGHT, FUZZED, MISSING, RAW_BYTES, LAST = RAW_BYTES };
 enum class Callback : uint8_t {
-    REMOTE_PROXY, LOCAL_STUB, MISSING, NULL_OBJECT, DEAD, WRONG_INTERFACE, LAST = WRONG_INTERFACE
+    REMOTE_PROXY,
+    LOCAL_STUB,
+    MISSING,
+    NULL_OBJECT,
+    DEAD,
+    WRONG_INTERFACE,
+    LAST = WRONG_INTERFACE
 };
 enum class Text : uint8_t { STRING, MISSING, RAW_BYTES, LAST = RAW_BYTES };
 enum class Code : uint8_t { REQUEST, EVENT, ANY, LAST = ANY };
@@ -61,7 +67,7 @@ std::string g_refusingUrl;
 std::string RefusingUrl()
 {
     int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
+    sockaddr_in address {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof(address);
@@ -105,8 +111,8 @@ std::string KeepOffTheNetwork(const std::string &text, Route route, size_t urlCo
             overrides[key] = "";
         }
     }
-    overrides["baseUrls"] = route == Route::NO_URLS ? std::vector<std::string>()
-                                                    : std::vector<std::string>(urlCount, g_refusingUrl);
+    overrides["baseUrls"] =
+        route == Route::NO_URLS ? std::vector<std::string>() : std::vector<std::string>(urlCount, g_refusingUrl);
     const std::string members = overrides.dump();
     const size_t close = text.rfind('}');
     return text.substr(0, close) + (json.empty() ? "" : ",") + members.substr(1);

@@ -70,7 +70,7 @@ private:
     void LeaveLoad(const std::string &path);
 
     mutable std::mutex mutex_;
-    std::list<Entry> entries_;  // most recently used first
+    std::list<Entry> entries_; // most recently used first
     uint64_t loads_ = 0;
     // One lock per file being loaded, so that transfers starting together on a new file parse
     // it once, while a slow file holds up no transfer that names another.

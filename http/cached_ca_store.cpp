@@ -29,10 +29,7 @@ bool HoldsCertificate(X509_STORE *store)
 // The whole file, read through one descriptor that is only read once it is known to be a
 // regular file: opening without blocking keeps a FIFO put in the file's place from stalling us.
 struct FileCloser {
-    void operator()(FILE *file) const
-    {
-        (void)fclose(file);
-    }
+    void operator()(FILE *file) const { (void)fclose(file); }
 };
 
 std::optional<std::string> ReadRegularFile(const std::string &path)
@@ -63,16 +60,10 @@ std::optional<std::string> ReadRegularFile(const std::string &path)
 }
 
 struct BioDeleter {
-    void operator()(BIO *bio) const
-    {
-        BIO_free(bio);
-    }
+    void operator()(BIO *bio) const { BIO_free(bio); }
 };
 struct InfoStackDeleter {
-    void operator()(STACK_OF(X509_INFO) *infos) const
-    {
-        sk_X509_INFO_pop_free(infos, X509_INFO_free);
-    }
+    void operator()(STACK_OF(X509_INFO) * infos) const { sk_X509_INFO_pop_free(infos, X509_INFO_free); }
 };
 
 // What OpenSSL's CA file reader (and so libcurl) takes from a PEM file: every certificate and

@@ -16,10 +16,7 @@ namespace Vorn {
 class CachedCaStore {
 public:
     struct StoreDeleter {
-        void operator()(X509_STORE *store) const
-        {
-            X509_STORE_free(store);
-        }
+        void operator()(X509_STORE *store) const { X509_STORE_free(store); }
     };
     using StorePtr = std::unique_ptr<X509_STORE, StoreDeleter>;
 

@@ -23,10 +23,7 @@ public:
 
 private:
     struct ShareDeleter {
-        void operator()(CURLSH *share) const
-        {
-            curl_share_cleanup(share);
-        }
+        void operator()(CURLSH *share) const { curl_share_cleanup(share); }
     };
 
     std::unique_ptr<CURLSH, ShareDeleter> share_;

@@ -3,7 +3,7 @@
 namespace OHOS {
 namespace Vorn {
 namespace {
-constexpr size_t SHORT_ESCAPE = 2;   // \" \\ \b \f \n \r \t
+constexpr size_t SHORT_ESCAPE = 2; // \" \\ \b \f \n \r \t
 constexpr size_t UNICODE_ESCAPE = 6; // \u00XX for the other control characters
 constexpr unsigned char LAST_CONTROL = 0x1F;
 

@@ -18,9 +18,7 @@ constexpr int MAX_POLL_MS = 1000;
 constexpr const char *THREAD_NAME = "vorn_transfer";
 } // namespace
 
-TransferLoop::TransferLoop(StartKey, MultiPtr multi) : multi_(std::move(multi)), thread_([this] { Run(); })
-{
-}
+TransferLoop::TransferLoop(StartKey, MultiPtr multi) : multi_(std::move(multi)), thread_([this] { Run(); }) {}
 
 TransferLoop::~TransferLoop()
 {

@@ -39,10 +39,7 @@ public:
 
 private:
     struct MultiDeleter {
-        void operator()(CURLM *multi) const
-        {
-            curl_multi_cleanup(multi);
-        }
+        void operator()(CURLM *multi) const { curl_multi_cleanup(multi); }
     };
     // Only Started() makes loops.
     struct StartKey {

@@ -37,7 +37,7 @@ private:
 
     void Trim();
 
-    std::list<Entry> entries_;  // most recently used first
+    std::list<Entry> entries_; // most recently used first
 };
 } // namespace Vorn
 } // namespace OHOS

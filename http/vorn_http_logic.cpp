@@ -222,7 +222,8 @@ bool HttpLogic::RestrictToHttps(const ProtocolSetters &set)
 void HttpLogic::SetCaOptions()
 {
     CURL *curl = curl_.get();
-    if (caStore_ == nullptr && CaStoreCache::IsEnabled() && proxy_.type != CURLPROXY_HTTPS && !EnvironmentNamesHttpsProxy()) {
+    if (caStore_ == nullptr && CaStoreCache::IsEnabled() && proxy_.type != CURLPROXY_HTTPS &&
+        !EnvironmentNamesHttpsProxy()) {
         caStore_ = CaStoreCache::GetInstance().Acquire(requestInfo_.caFile);
     }
     if (caStore_ != nullptr && caStore_->ApplyTo(curl)) {
@@ -372,14 +373,14 @@ std::string HttpLogic::GetResponseHeads() const
     return BuildResponseHeads(requestInfo_, postBody_, responseHeads_);
 }
 
-std::string HttpLogic::BuildResponseHeads(const VornInitConfigParser::VornRequestInfo &info, const std::string &postBody,
-    const std::string &rawHeads)
+std::string HttpLogic::BuildResponseHeads(const VornInitConfigParser::VornRequestInfo &info,
+    const std::string &postBody, const std::string &rawHeads)
 {
     if (info.saType == GNS_SA_TYPE) {
         return rawHeads;
     }
-    const auto cacheTime = std::chrono::duration_cast<std::chrono::seconds>(
-        std::chrono::system_clock::now().time_since_epoch()).count();
+    const auto cacheTime =
+        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
     std::string heads;
     heads.append("Rule: ").append(info.queryHeaders).append(LINE_SEPARATOR);
     heads.append("Version: ").append(info.appVersion).append(LINE_SEPARATOR);

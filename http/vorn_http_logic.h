@@ -83,16 +83,10 @@ private:
     };
 
     struct CurlDeleter {
-        void operator()(CURL *curl) const
-        {
-            curl_easy_cleanup(curl);
-        }
+        void operator()(CURL *curl) const { curl_easy_cleanup(curl); }
     };
     struct SlistDeleter {
-        void operator()(curl_slist *list) const
-        {
-            curl_slist_free_all(list);
-        }
+        void operator()(curl_slist *list) const { curl_slist_free_all(list); }
     };
 
     bool SetRequiredOption(CURLoption option, const void *value, const char *failureLog) const;

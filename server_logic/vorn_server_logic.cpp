@@ -41,7 +41,7 @@ const std::string CURL_TASK_PREFIX = "vorn_curl_task";
 const std::string HTTP_TASK_PREFIX = "vorn_http_task";
 
 // Numbers every task the engine posts. Names are labels only, so wrapping is harmless.
-std::atomic<int32_t> g_taskSequence{0};
+std::atomic<int32_t> g_taskSequence {0};
 
 std::string NextTaskName(const std::string &prefix)
 {
@@ -72,8 +72,7 @@ std::string Serialise(const nlohmann::json &response)
 
 // A task's exception (say, a response that is not valid UTF-8) stays in its future; here it
 // turns into a plain failure so that nothing a server sends can take the service down.
-template <typename T, typename CodeOf>
-int32_t CollectCode(ffrt::future<T> &future, const char *what, CodeOf codeOf)
+template <typename T, typename CodeOf> int32_t CollectCode(ffrt::future<T> &future, const char *what, CodeOf codeOf)
 {
     try {
         return codeOf(future.get());
@@ -87,9 +86,7 @@ int32_t CollectCode(ffrt::future<T> &future, const char *what, CodeOf codeOf)
 
 int32_t CollectAttempt(ffrt::future<VornServerLogic::VornRequestResult> &future)
 {
-    return CollectCode(future, "attempt", [](const VornServerLogic::VornRequestResult &result) {
-        return result.code;
-    });
+    return CollectCode(future, "attempt", [](const VornServerLogic::VornRequestResult &result) { return result.code; });
 }
 
 nlohmann::json ResponseJson(int64_t code, const std::string &message, const std::string &header,
@@ -164,8 +161,7 @@ int32_t VornServerLogic::GetAllServiceUrl(const sptr<IVornRequestCallback> &call
 {
     VORN_LOGI("VornServerLogic::GetAllServiceUrl enter");
     callback_ = callback;
-    if (requestInfo_.saType != GNS_SA_TYPE && requestInfo_.baseUrls.empty() &&
-        ParseDefaultConfigFile() != SUCCESS) {
+    if (requestInfo_.saType != GNS_SA_TYPE && requestInfo_.baseUrls.empty() && ParseDefaultConfigFile() != SUCCESS) {
         return FailEarly(MESSAGE_CONFIG_FAILED);
     }
     if (!HttpLogic::GlobalInit()) {
@@ -255,11 +251,11 @@ int32_t VornServerLogic::SubmitRequestTask(VornInitConfigParser::VornRequestInfo
         statistics->submitTime = static_cast<uint64_t>(TimeUtils::GetTimeMills());
         statistics->domain = StringUtils::GetDomainFromUrl(url);
         ++attemptIndex;
-        ffrt::future<VornRequestResult> attempt = VornThread::GetThreadPool(HTTP_POOL)->Submit(
-            [info, callback, url, attemptIndex, statistics]() {
-                return ThreadFunc(info, callback, url, attemptIndex, statistics);
-            },
-            NextTaskName(CURL_TASK_PREFIX));
+        ffrt::future<VornRequestResult> attempt =
+            VornThread::GetThreadPool(HTTP_POOL)
+                ->Submit([info, callback, url, attemptIndex,
+                             statistics]() { return ThreadFunc(info, callback, url, attemptIndex, statistics); },
+                    NextTaskName(CURL_TASK_PREFIX));
         if (attempt.wait_until(std::chrono::steady_clock::now() + ATTEMPT_WAIT) != ffrt::future_status::ready) {
             VORN_LOGI("SubmitRequestTask:: next");
             VornMetrics::Add(VornMetrics::Counter::ATTEMPTS_OVERTAKEN);
@@ -306,8 +302,7 @@ VornServerLogic::VornRequestResult VornServerLogic::ThreadFunc(VornInitConfigPar
     httpLogic->LimitResponseSize(overhead < MAX_RESPONSE_SIZE ? MAX_RESPONSE_SIZE - overhead : 0);
     long status = httpLogic->PostHttpsRequest();
     if (httpLogic->ResponseTooLarge()) {
-        FailTooLarge(callback, httpLogic->GetResponseStatus(), overhead + httpLogic->ResponseSizeReached(),
-            statistics);
+        FailTooLarge(callback, httpLogic->GetResponseStatus(), overhead + httpLogic->ResponseSizeReached(), statistics);
         return {ERR_FAILED, ""};
     }
     std::string header = httpLogic->GetResponseHeads();
@@ -326,7 +321,7 @@ VornServerLogic::VornRequestResult VornServerLogic::ThreadFunc(VornInitConfigPar
     VORN_LOGI("VornServerLogic::curl request success, to response");
     StampExchange(*statistics, HTTP_OK);
     if (!DeliverIfItFits(callback, HTTP_OK, GetResponse(HTTP_OK, MESSAGE_SUCCESS, header, body, statistics),
-        statistics)) {
+            statistics)) {
         return {ERR_FAILED, ""};
     }
     return {SUCCESS, ""};

@@ -61,9 +61,10 @@ bool VornDumper::Write(int fd, const std::string &text)
 
 std::string VornDumper::Usage()
 {
-    return "usage: hidumper -s " + std::to_string(VORN_SA_ID) + " [-a \"-h\"]\n"
-           "  (no option)  service state, pools, work in flight and counters since start\n"
-           "  -h           this list\n";
+    return "usage: hidumper -s " + std::to_string(VORN_SA_ID) +
+        " [-a \"-h\"]\n"
+        "  (no option)  service state, pools, work in flight and counters since start\n"
+        "  -h           this list\n";
 }
 
 std::string VornDumper::Status(bool running)
@@ -72,8 +73,7 @@ std::string VornDumper::Status(bool running)
     out << "vorn service, system ability " << VORN_SA_ID << "\n";
     out << "state: " << (running ? "running" : "not running") << "\n";
     for (const VornThread::PoolStatus &pool : VornThread::PoolStatuses()) {
-        out << "pool " << pool.name << ": tasks running " << pool.running << ", tasks waiting " << pool.waiting
-            << "\n";
+        out << "pool " << pool.name << ": tasks running " << pool.running << ", tasks waiting " << pool.waiting << "\n";
     }
     for (size_t i = 0; i < static_cast<size_t>(VornMetrics::Gauge::COUNT); ++i) {
         auto gauge = static_cast<VornMetrics::Gauge>(i);

@@ -33,7 +33,7 @@ private:
         RUNNING = 1,
     };
 
-    std::atomic<ServiceState> state_{ServiceState::NOT_RUNNING};
+    std::atomic<ServiceState> state_ {ServiceState::NOT_RUNNING};
 };
 } // namespace Vorn
 } // namespace OHOS

@@ -114,17 +114,20 @@ int32_t VornSAStub::PostVornRequest(const std::string &paramStr, const sptr<IVor
         return ERR_PARCEL_READ_PARAM;
     }
     VornMetrics::Add(VornMetrics::Counter::REQUESTS);
-    VornThread::GetThreadPool(BINDER_POOL)->PostTaskDelay([info = std::move(info), callback]() {
-        VornMetrics::InFlight inFlight(VornMetrics::Gauge::REQUESTS_IN_FLIGHT);
-        // Nothing may escape a pool task: an escaping exception would end the whole service.
-        try {
-            (void)SendNetworkRequest(info, callback);
-        } catch (const std::exception &e) {
-            VORN_LOGE("VornSAStub::SendNetworkRequest exception: %{public}s", e.what());
-        } catch (...) {
-            VORN_LOGE("VornSAStub::SendNetworkRequest unknown exception");
-        }
-    }, BINDER_TASK_NAME, 0);
+    VornThread::GetThreadPool(BINDER_POOL)
+        ->PostTaskDelay(
+            [info = std::move(info), callback]() {
+                VornMetrics::InFlight inFlight(VornMetrics::Gauge::REQUESTS_IN_FLIGHT);
+                // Nothing may escape a pool task: an escaping exception would end the whole service.
+                try {
+                    (void)SendNetworkRequest(info, callback);
+                } catch (const std::exception &e) {
+                    VORN_LOGE("VornSAStub::SendNetworkRequest exception: %{public}s", e.what());
+                } catch (...) {
+                    VORN_LOGE("VornSAStub::SendNetworkRequest unknown exception");
+                }
+            },
+            BINDER_TASK_NAME, 0);
     VORN_LOGI("VornSAStub::PostVornRequest out");
     return SUCCESS;
 }

@@ -65,10 +65,7 @@ public:
         std::lock_guard<std::mutex> lock(mutex_);
         return responses_;
     }
-    int Deaths() const
-    {
-        return deaths_;
-    }
+    int Deaths() const { return deaths_; }
 
 private:
     std::mutex mutex_;

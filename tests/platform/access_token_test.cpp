@@ -18,11 +18,11 @@ TEST(AccessTokenKitTest, TypeAndSystemAppFlagComeFromTheirBits)
     EXPECT_EQ(AccessTokenKit::GetTokenTypeFlag(TokenOfType(0)), TOKEN_HAP);
     EXPECT_EQ(AccessTokenKit::GetTokenTypeFlag(TokenOfType(2)), TOKEN_SHELL);
     EXPECT_EQ(AccessTokenKit::GetTokenTypeFlag(TokenOfType(3)), TOKEN_TYPE_BUTT);
-    EXPECT_EQ(AccessTokenKit::GetTokenTypeFlag((FullTokenID{1} << 32) | TokenOfType(1)), TOKEN_NATIVE);
-    EXPECT_EQ(AccessTokenKit::GetTokenTypeFlag(FullTokenID{1} << 32), TOKEN_INVALID);
+    EXPECT_EQ(AccessTokenKit::GetTokenTypeFlag((FullTokenID {1} << 32) | TokenOfType(1)), TOKEN_NATIVE);
+    EXPECT_EQ(AccessTokenKit::GetTokenTypeFlag(FullTokenID {1} << 32), TOKEN_INVALID);
 
-    EXPECT_TRUE(TokenIdKit::IsSystemAppByFullTokenID((uint64_t{1} << 32) | TokenOfType(0)));
+    EXPECT_TRUE(TokenIdKit::IsSystemAppByFullTokenID((uint64_t {1} << 32) | TokenOfType(0)));
     EXPECT_FALSE(TokenIdKit::IsSystemAppByFullTokenID(TokenOfType(0)));
-    EXPECT_FALSE(TokenIdKit::IsSystemAppByFullTokenID(uint64_t{1} << 33));
+    EXPECT_FALSE(TokenIdKit::IsSystemAppByFullTokenID(uint64_t {1} << 33));
 }
 } // namespace

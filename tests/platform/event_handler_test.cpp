@@ -24,8 +24,8 @@ using HostPlatform::EventRunnersWaitIdle;
 constexpr auto SETTLE_TIMEOUT = 30s;
 constexpr int64_t ONE_HOUR_MS = 3600 * 1000;
 
-bool Post(EventHandler &handler, const std::function<void()> &task, const std::string &name = "",
-    int64_t delayMs = 0, Priority priority = Priority::LOW)
+bool Post(EventHandler &handler, const std::function<void()> &task, const std::string &name = "", int64_t delayMs = 0,
+    Priority priority = Priority::LOW)
 {
     return handler.SendEvent(InnerEvent::Get(task, name), delayMs, priority);
 }
@@ -80,8 +80,8 @@ TEST_F(EventHandlerTest, DelayedEventsRunInDueOrderNeverEarlyWhateverTheirPriori
     Clock::time_point sentAt = Clock::now();
     std::vector<std::pair<int64_t, Clock::duration>> runs;
     for (int64_t delayMs : {150, 50, 100}) {
-        Post(*handler_, [&runs, delayMs, sentAt] { runs.emplace_back(delayMs, Clock::now() - sentAt); }, "",
-            delayMs);
+        Post(
+            *handler_, [&runs, delayMs, sentAt] { runs.emplace_back(delayMs, Clock::now() - sentAt); }, "", delayMs);
     }
     ASSERT_FALSE(EventRunnersWaitIdle(1s)) << "the events due later are still pending";
     handler_->RemoveTask("later");
@@ -119,7 +119,8 @@ TEST_F(EventHandlerTest, OnlyOwnedAttachedHandlersQueueAndDestroyingOneDropsItsE
     auto shortLived = std::make_shared<EventHandler>(runner_);
     auto token = std::make_shared<int>(0);
     std::weak_ptr<int> captured = token;
-    Post(*shortLived, [token] {}, "", ONE_HOUR_MS);
+    Post(
+        *shortLived, [token] {}, "", ONE_HOUR_MS);
     token.reset();
     EXPECT_FALSE(EventRunnersIdle());
     shortLived.reset();

@@ -38,8 +38,7 @@ bool SubmitToQueue(ffrt_queue_t queue, std::function<void()> func, const ffrt_ta
 }
 
 // Runs `func` as a task of its own; its result or exception lands in the future.
-template <typename F>
-ffrt::future<std::invoke_result_t<F>> Async(F func)
+template <typename F> ffrt::future<std::invoke_result_t<F>> Async(F func)
 {
     auto task = std::make_shared<ffrt::packaged_task<std::invoke_result_t<F>()>>(std::move(func));
     auto result = task->get_future();
@@ -78,7 +77,8 @@ TEST(FfrtPoolTest, SuspendedTasksGiveTheirWorkersAndThreadsBack)
     }
     EXPECT_GE(HostPlatform::FfrtSuspendedTaskCount(), parents);
     // The limit's worth of workers, the runtime's timer and nothing more.
-    EXPECT_LE(VornTestbed::ProcessStatus::Read().threads, threadsBefore + HostPlatform::FfrtWorkerThreadLimit() - workersBefore + 1);
+    EXPECT_LE(VornTestbed::ProcessStatus::Read().threads,
+        threadsBefore + HostPlatform::FfrtWorkerThreadLimit() - workersBefore + 1);
     {
         std::lock_guard<ffrt::mutex> lock(mutex);
         open = true;
@@ -308,7 +308,8 @@ TEST(FfrtHostTest, IdleOnlyWhenNothingIsQueuedRunningOrDelayed)
     ffrt_task_attr_init(&attr);
     // What a negative delay in milliseconds turns into: due in the far future, never at once.
     ffrt_task_attr_set_delay(&attr, UINT64_MAX);
-    SubmitToQueue(queue, [] {}, &attr);
+    SubmitToQueue(
+        queue, [] {}, &attr);
     ffrt_task_attr_destroy(&attr);
     EXPECT_FALSE(FfrtIsIdle());
     ffrt_queue_destroy(queue);

@@ -61,10 +61,14 @@ TEST(FfrtTimingTest, SerialQueueRunsDelayedTasksWhenDueAndInDueOrder)
     Clock::time_point submittedAt = Clock::now();
     for (size_t i = 0; i < delays.size(); ++i) {
         int index = static_cast<int>(i);
-        ffrt_task_handle_destroy(ffrt_queue_submit_h(queue, ffrt::create_function_wrapper([&, index] {
-            std::lock_guard<std::mutex> lock(mutex);
-            runs.emplace_back(index, Clock::now() - submittedAt);
-        }, ffrt_function_kind_queue), DelayAttr(delays[i]).Get()));
+        ffrt_task_handle_destroy(ffrt_queue_submit_h(queue,
+            ffrt::create_function_wrapper(
+                [&, index] {
+                    std::lock_guard<std::mutex> lock(mutex);
+                    runs.emplace_back(index, Clock::now() - submittedAt);
+                },
+                ffrt_function_kind_queue),
+            DelayAttr(delays[i]).Get()));
     }
     ASSERT_TRUE(HostPlatform::FfrtWaitIdle(SETTLE_TIMEOUT));
     ffrt_queue_destroy(queue);
@@ -95,8 +99,8 @@ TEST(FfrtTimingTest, ExtraWorkersLeaveAfterIdling)
     EXPECT_GE(HostPlatform::FfrtPeakWorkerCount(), blocked);
 
     // The pool keeps a base of one worker per CPU (at least two) and lets the rest go.
-    const size_t base = std::min<size_t>(HostPlatform::FfrtWorkerThreadLimit(),
-        std::max(2U, std::thread::hardware_concurrency()));
+    const size_t base =
+        std::min<size_t>(HostPlatform::FfrtWorkerThreadLimit(), std::max(2U, std::thread::hardware_concurrency()));
     deadline = Clock::now() + 20s;
     while (HostPlatform::FfrtWorkerCount() > base && Clock::now() < deadline) {
         std::this_thread::sleep_for(100ms);
@@ -139,8 +143,7 @@ private:
 // each wait up to a second for a child they submit. Waiting in std:: they keep their slots, so
 // the first slot-full of them miss their children; waiting in the runtime's future they give
 // them back, so every child runs in time.
-template <typename Promise, typename Ready>
-int ParentsWhoseChildMissedTheWait(Ready isReady)
+template <typename Promise, typename Ready> int ParentsWhoseChildMissedTheWait(Ready isReady)
 {
     const size_t parents = 2 * HostPlatform::FfrtRunningWorkerLimit();
     std::atomic<int> missed {0};

@@ -69,9 +69,9 @@ TEST_F(HiLogTest, PrivateValuesAreMaskedUnlessRevealIsExactlyOne)
         std::optional<std::string> reveal;
         std::string expected;
     };
-    for (const Case &c : {Case{std::nullopt, "<private> failed to visit <private>, reason:11."},
-             Case{"yes", "<private> failed to visit <private>, reason:11."},
-             Case{"1", "app failed to visit https://example.invalid, reason:11."}}) {
+    for (const Case &c : {Case {std::nullopt, "<private> failed to visit <private>, reason:11."},
+             Case {"yes", "<private> failed to visit <private>, reason:11."},
+             Case {"1", "app failed to visit https://example.invalid, reason:11."}}) {
         ScopedEnv reveal("VORN_HILOG_PRIVATE", c.reveal);
         LogCapture capture;
         HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "%s failed to visit %{private}s, reason:%{public}d.", "app",
@@ -171,7 +171,8 @@ TEST_F(HiLogTest, LinesGoToTheFileTheVariableNamesNow)
     HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "back");
 
     using testing::EndsWith;
-    EXPECT_THAT(FileLines(), testing::ElementsAre(EndsWith("VornService: after removal"), EndsWith("VornService: back")));
+    EXPECT_THAT(FileLines(),
+        testing::ElementsAre(EndsWith("VornService: after removal"), EndsWith("VornService: back")));
     EXPECT_THAT(FileLines(otherPath), testing::ElementsAre(EndsWith("VornService: elsewhere")));
 }
 } // namespace

@@ -49,8 +49,7 @@ public:
             return ERR_INVALID_DATA;
         }
         switch (code) {
-            case CODE_WHO:
-            {
+            case CODE_WHO: {
                 uint64_t fullTokenId = IPCSkeleton::GetCallingFullTokenID();
                 reply.WriteUint32(IPCSkeleton::GetCallingTokenID());
                 reply.WriteBuffer(&fullTokenId, sizeof(fullTokenId));
@@ -76,7 +75,7 @@ public:
         deaths++;
         lastDied = object.GetRefPtr();
     }
-    std::atomic<int> deaths{0};
+    std::atomic<int> deaths {0};
     IRemoteObject *lastDied = nullptr;
 };
 
@@ -92,7 +91,7 @@ CallerIdentity WhoDoesTheStubSee(const sptr<IRemoteObject> &remote)
 {
     MessageParcel reply;
     EXPECT_EQ(Call(remote, CODE_WHO, reply), ERR_NONE);
-    CallerIdentity seen{};
+    CallerIdentity seen {};
     reply.ReadUint32(seen.tokenId);
     std::memcpy(&seen.fullTokenId, reply.ReadBuffer(sizeof(seen.fullTokenId)), sizeof(seen.fullTokenId));
     seen.uid = reply.ReadInt32();
@@ -294,7 +293,7 @@ TEST(IpcOneWayTest, CallerNeverWaitsAndEachObjectGetsItsCallsInOrder)
     ASSERT_EQ(Send(toBlocked, 1000, MessageOption::TF_SYNC, syncReply), ERR_NONE);
     EXPECT_EQ(syncReply.ReadInt32(), 1000);
     EXPECT_FALSE(HostPlatform::WaitOneWayDelivered(toBlocked, 0ms));
-    EXPECT_EQ(Numbers(blocked->Entries()), std::vector<int32_t>{1000});
+    EXPECT_EQ(Numbers(blocked->Entries()), std::vector<int32_t> {1000});
 
     gate.Open();
     ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(toBlocked, 10s));
@@ -323,18 +322,16 @@ TEST(IpcOneWayTest, DeadCalleeRefusesNewCallsAndNeverHandlesQueuedOnes)
     EXPECT_EQ(Send(remote, 2, MessageOption::TF_ASYNC, reply), ERR_DEAD_OBJECT);
     gate.Open();
     ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(remote, 10s));
-    EXPECT_EQ(Numbers(sink->Entries()), std::vector<int32_t>{0}); // it was already handling 0
+    EXPECT_EQ(Numbers(sink->Entries()), std::vector<int32_t> {0}); // it was already handling 0
 }
 
 // A callee that waits for its own earlier one-way calls would wait for itself.
 TEST(IpcOneWayTest, WaitingForDeliveryFromInsideTheCalleeReturnsAtOnce)
 {
     sptr<NumberSink> sink = new NumberSink();
-    std::atomic<int> waited{-1};
+    std::atomic<int> waited {-1};
     sink->blockOn = 0;
-    sink->blocker = [&sink, &waited] {
-        waited = HostPlatform::WaitOneWayDelivered(sink, 10s) ? 1 : 0;
-    };
+    sink->blocker = [&sink, &waited] { waited = HostPlatform::WaitOneWayDelivered(sink, 10s) ? 1 : 0; };
     sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(sink);
     MessageParcel reply;
     ASSERT_EQ(Send(remote, 0, MessageOption::TF_ASYNC, reply), ERR_NONE);
@@ -382,10 +379,7 @@ public:
         return ERR_NONE;
     }
 
-    void Open()
-    {
-        gate_.set_value();
-    }
+    void Open() { gate_.set_value(); }
     bool WaitHeld(int calls, std::chrono::milliseconds timeout)
     {
         std::unique_lock<std::mutex> lock(mutex_);

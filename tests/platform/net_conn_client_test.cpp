@@ -40,7 +40,8 @@ TEST(NetConnClientTest, ReadsHostPortAndExclusionsOnEveryCall)
         {std::nullopt, HttpProxy("", 0, {})},
         {"", HttpProxy("", 0, {})},
         {"127.0.0.1:8080", HttpProxy("127.0.0.1", 8080, {})},
-        {"proxy.local:3128;localhost, *.example.invalid,,", HttpProxy("proxy.local", 3128, {"localhost", "*.example.invalid"})},
+        {"proxy.local:3128;localhost, *.example.invalid,,",
+            HttpProxy("proxy.local", 3128, {"localhost", "*.example.invalid"})},
         {"https://proxy.local:3129", HttpProxy("https://proxy.local", 3129, {})}, // the port follows the last colon
         {"[::1]:65535;a", HttpProxy("[::1]", 65535, {"a"})},
     };
@@ -54,8 +55,7 @@ TEST(NetConnClientTest, ReadsHostPortAndExclusionsOnEveryCall)
 TEST(NetConnClientTest, MalformedSettingFailsAndLeavesTheOutputAlone)
 {
     for (const char *setting : {"proxy.local", ":8080", "proxy.local:", "proxy.local:80a", "proxy.local:65536",
-             "proxy.local:0", "proxy.local:-1", "proxy.local:99999999999999999999", "https://proxy.local;a,b",
-             "   "}) {
+             "proxy.local:0", "proxy.local:-1", "proxy.local:99999999999999999999", "https://proxy.local;a,b", "   "}) {
         HttpProxy proxy = Sentinel();
         EXPECT_NE(DefaultProxyFor(setting, proxy), NETMANAGER_SUCCESS) << setting;
         EXPECT_EQ(proxy, Sentinel()) << setting;

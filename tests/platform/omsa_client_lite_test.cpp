@@ -63,7 +63,7 @@ TEST_F(OmsaClientLiteTest, ResultCodeComesFromTheEnvironmentOnEachCall)
         std::optional<std::string> setting;
         int32_t code;
     };
-    for (const Case &c : {Case{"-3", -3}, Case{"x1", 0}, Case{"12abc", 0}, Case{"99999999999", 0}, Case{"", 0}}) {
+    for (const Case &c : {Case {"-3", -3}, Case {"x1", 0}, Case {"12abc", 0}, Case {"99999999999", 0}, Case {"", 0}}) {
         ScopedEnv result("VORN_OMSA_RESULT", c.setting);
         EXPECT_EQ(OmsaClientLiteApi::OnEvent("t", EventTypeLite::OPERATION, "e", {}).code, c.code)
             << c.setting.value_or("<unset>");

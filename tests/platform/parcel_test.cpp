@@ -20,9 +20,9 @@ TEST(ParcelTest, ValuesRoundTripAndEveryWriteKeepsFourByteAlignment)
     };
     expectWritten(parcel.WriteInt32(-7), 4);
     expectWritten(parcel.WriteUint32(UINT32_MAX), 8);
-    expectWritten(parcel.WriteBuffer("abc", 3), 12);            // padded to 4
-    expectWritten(parcel.WriteString("abcd"), 24);             // length, then "abcd\0" padded to 8
-    expectWritten(parcel.WriteString(""), 32);                 // length, then "\0" padded to 4
+    expectWritten(parcel.WriteBuffer("abc", 3), 12); // padded to 4
+    expectWritten(parcel.WriteString("abcd"), 24); // length, then "abcd\0" padded to 8
+    expectWritten(parcel.WriteString(""), 32); // length, then "\0" padded to 4
     expectWritten(parcel.WriteString16(u"\u00e9t\u00e9"), 44); // length, then 4 units with the terminator
     expectWritten(parcel.WriteString16Vector({u"a", u""}), 64);
 
@@ -38,7 +38,7 @@ TEST(ParcelTest, ValuesRoundTripAndEveryWriteKeepsFourByteAlignment)
     EXPECT_EQ(parcel.ReadString16(), u"\u00e9t\u00e9");
     std::vector<std::u16string> strings;
     EXPECT_TRUE(parcel.ReadString16Vector(&strings));
-    EXPECT_EQ(strings, (std::vector<std::u16string>{u"a", u""}));
+    EXPECT_EQ(strings, (std::vector<std::u16string> {u"a", u""}));
     EXPECT_EQ(parcel.GetReadableBytes(), 0u);
 }
 
@@ -84,7 +84,7 @@ TEST(ParcelTest, BogusLengthsAreRejected)
         EXPECT_FALSE(parcel.ReadString16Vector(&strings)) << c.name;
         EXPECT_EQ(text, "kept") << c.name;
         EXPECT_EQ(text16, u"kept") << c.name;
-        EXPECT_EQ(strings, std::vector<std::u16string>{u"kept"}) << c.name;
+        EXPECT_EQ(strings, std::vector<std::u16string> {u"kept"}) << c.name;
         EXPECT_EQ(parcel.GetReadPosition(), 0u) << c.name;
     }
 }

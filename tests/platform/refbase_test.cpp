@@ -11,9 +11,9 @@ using OHOS::sptr;
 using OHOS::wptr;
 
 struct Events {
-    std::atomic<int> firstStrong{0};
-    std::atomic<int> lastStrong{0};
-    std::atomic<int> destroyed{0};
+    std::atomic<int> firstStrong {0};
+    std::atomic<int> lastStrong {0};
+    std::atomic<int> destroyed {0};
 };
 
 class Tracked : public OHOS::RefBase {
@@ -24,18 +24,9 @@ public:
             ExtendObjectLifetime();
         }
     }
-    ~Tracked() override
-    {
-        events_.destroyed++;
-    }
-    void OnFirstStrongRef(const void *) override
-    {
-        events_.firstStrong++;
-    }
-    void OnLastStrongRef(const void *) override
-    {
-        events_.lastStrong++;
-    }
+    ~Tracked() override { events_.destroyed++; }
+    void OnFirstStrongRef(const void *) override { events_.firstStrong++; }
+    void OnLastStrongRef(const void *) override { events_.lastStrong++; }
 
 private:
     Events &events_;
@@ -67,7 +58,7 @@ TEST(RefBaseTest, PromoteRacingWithLastReleaseNeverResurrects)
         Events events;
         sptr<Tracked> strong = new Tracked(events);
         wptr<Tracked> weak = strong;
-        std::atomic<bool> promotedAlive{true};
+        std::atomic<bool> promotedAlive {true};
         std::thread promoter([&weak, &events, &promotedAlive] {
             sptr<Tracked> promoted = weak.promote();
             if (promoted != nullptr && events.destroyed != 0) {

@@ -23,10 +23,7 @@ public:
         : SystemAbility(systemAbilityId, runOnCreate), IPCObjectStub(u"host.test.TestAbility")
     {
     }
-    ~TestAbility() override
-    {
-        destroyed++;
-    }
+    ~TestAbility() override { destroyed++; }
 
     static inline int starts = 0;
     static inline int destroyed = 0;
@@ -49,10 +46,7 @@ sptr<ISystemAbilityManager> Samgr()
 
 class SystemAbilityTest : public testing::Test {
 protected:
-    void TearDown() override
-    {
-        Samgr()->RemoveSystemAbility(ON_DEMAND_ID);
-    }
+    void TearDown() override { Samgr()->RemoveSystemAbility(ON_DEMAND_ID); }
 };
 
 TEST_F(SystemAbilityTest, GetAndLoadStartAnOnDemandAbilityOnce)

@@ -29,7 +29,7 @@ const std::string PARSE_FAILED = "BaseEvent::EventDataJsonToMap json parse faile
 
 struct Case {
     std::string content;
-    Pairs pairs;       // what the content yields, before the caller's uid is added
+    Pairs pairs; // what the content yields, before the caller's uid is added
     std::string error; // the flattener's error line, if any
 };
 
@@ -55,12 +55,13 @@ protected:
 
     static size_t KvCountLines(const LogCapture &logs, const std::string &eventId, size_t kvCount)
     {
-        return VornTest::ServiceLines(logs, LOG_INFO, "OmsaClientCoreInnerApi OnOmsaEvent, eventid:" + eventId +
-            ", content:<private>, kvCount:" + std::to_string(kvCount));
+        return VornTest::ServiceLines(logs, LOG_INFO,
+            "OmsaClientCoreInnerApi OnOmsaEvent, eventid:" + eventId +
+                ", content:<private>, kvCount:" + std::to_string(kvCount));
     }
 
-    VornTest::ScopedEnv accept_{"VORN_OMSA_RESULT", std::nullopt};
-    VornTest::ScopedEnv hidePrivate_{"VORN_HILOG_PRIVATE", std::nullopt};
+    VornTest::ScopedEnv accept_ {"VORN_OMSA_RESULT", std::nullopt};
+    VornTest::ScopedEnv hidePrivate_ {"VORN_HILOG_PRIVATE", std::nullopt};
     VornTest::OmsaLog omsa_;
 };
 

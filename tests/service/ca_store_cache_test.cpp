@@ -35,10 +35,7 @@ protected:
         return dir_.WriteFile(name, VornTest::ReadFile(files_.caFile));
     }
 
-    static uint64_t Loads()
-    {
-        return CaStoreCache::GetInstance().Loads();
-    }
+    static uint64_t Loads() { return CaStoreCache::GetInstance().Loads(); }
 };
 
 // Regular files the cache cannot use are left to libcurl, which reports them itself.
@@ -70,7 +67,7 @@ TEST_F(CaStoreCacheTest, KeepsEightStoresAndDropsTheLeastRecentlyUsed)
     for (int i = 0; i < 8; ++i) {
         ASSERT_NE(cache.Acquire(paths[i]), nullptr);
     }
-    ASSERT_NE(cache.Acquire(paths[0]), nullptr);  // now ca1 is the least recently used
+    ASSERT_NE(cache.Acquire(paths[0]), nullptr); // now ca1 is the least recently used
     const uint64_t before = Loads();
 
     ASSERT_NE(cache.Acquire(paths[8]), nullptr);

@@ -8,12 +8,12 @@
 #include <nlohmann/json.hpp>
 
 #include "device_runtime.h"
+#include "engine_fixture.h"
 #include "ffrt_host.h"
 #include "ffrt_inner.h"
 #include "hilog_host.h"
-#include "engine_fixture.h"
-#include "log_lines.h"
 #include "ipc_host.h"
+#include "log_lines.h"
 #include "response_recorder.h"
 #include "vorn_server_logic.h"
 #include "vorn_thread.h"
@@ -54,14 +54,15 @@ public:
     void Call(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info)
     {
         auto logic = std::make_shared<VornServerLogic>(info);
-        result_ = OHOS::Vorn::VornThread::GetThreadPool(OHOS::Vorn::BINDER_POOL)->Submit(
-            [this, logic, callback = RemoteCallback()] {
-                calledAt = Clock::now();
-                int32_t code = logic->GetAllServiceUrl(callback);
-                returnedAt = Clock::now();
-                return code;
-            },
-            "binder");
+        result_ = OHOS::Vorn::VornThread::GetThreadPool(OHOS::Vorn::BINDER_POOL)
+                      ->Submit(
+                          [this, logic, callback = RemoteCallback()] {
+                              calledAt = Clock::now();
+                              int32_t code = logic->GetAllServiceUrl(callback);
+                              returnedAt = Clock::now();
+                              return code;
+                          },
+                          "binder");
     }
 
     int32_t Result() { return result_.get(); }

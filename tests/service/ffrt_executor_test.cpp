@@ -35,7 +35,8 @@ TEST(FFRTExecutorTest, NormalSubmitRunsTasksConcurrentlyWithoutHandles)
     std::promise<void> second;
     std::promise<bool> first;
     executor.PostTaskDelay(
-        [&] { first.set_value(second.get_future().wait_for(SETTLE_TIMEOUT) == std::future_status::ready); }, "first", 0);
+        [&] { first.set_value(second.get_future().wait_for(SETTLE_TIMEOUT) == std::future_status::ready); }, "first",
+        0);
     EXPECT_EQ(executor.PendingHandleCount(), 0);
     executor.PostTaskDelay([&] { second.set_value(); }, "second", 0);
     EXPECT_TRUE(first.get_future().get());
@@ -55,13 +56,15 @@ TEST(FFRTExecutorTest, EventHandlerRunsOneAtATimeInOrderAndForgetsFinishedTasks)
     std::atomic<int> inFlight {0};
     std::atomic<bool> overlapped {false};
     for (int i = 0; i < 20; ++i) {
-        executor.PostTaskDelay([&, i] {
-            overlapped = overlapped || inFlight.fetch_add(1) != 0;
-            std::this_thread::yield();
-            std::lock_guard<std::mutex> lock(mutex);
-            order.push_back(i);
-            inFlight.fetch_sub(1);
-        }, "t" + std::to_string(i), 0);
+        executor.PostTaskDelay(
+            [&, i] {
+                overlapped = overlapped || inFlight.fetch_add(1) != 0;
+                std::this_thread::yield();
+                std::lock_guard<std::mutex> lock(mutex);
+                order.push_back(i);
+                inFlight.fetch_sub(1);
+            },
+            "t" + std::to_string(i), 0);
     }
     gate.Open();
     ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));

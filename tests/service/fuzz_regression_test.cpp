@@ -12,8 +12,8 @@
 #include "log_lines.h"
 #include "message_option.h"
 #include "message_parcel.h"
-#include "response_recorder.h"
 #include "raw_service_client.h"
+#include "response_recorder.h"
 #include "string_utils.h"
 #include "vorn_error_code.h"
 #include "vorn_sa.h"
@@ -33,12 +33,15 @@ void RunOnStack(size_t bytes, const std::function<void()> &body)
     ASSERT_EQ(pthread_attr_setstacksize(&attr, bytes), 0);
     pthread_t thread;
     auto *task = new std::function<void()>(body);
-    const int rc = pthread_create(&thread, &attr, [](void *arg) -> void * {
-        auto *fn = static_cast<std::function<void()> *>(arg);
-        (*fn)();
-        delete fn;
-        return nullptr;
-    }, task);
+    const int rc = pthread_create(
+        &thread, &attr,
+        [](void *arg) -> void * {
+            auto *fn = static_cast<std::function<void()> *>(arg);
+            (*fn)();
+            delete fn;
+            return nullptr;
+        },
+        task);
     pthread_attr_destroy(&attr);
     ASSERT_EQ(rc, 0);
     ASSERT_EQ(pthread_join(thread, nullptr), 0);
@@ -60,7 +63,7 @@ TEST(FuzzRegressionTest, HostOfAVeryLongUrlNeedsNoDeepStack)
 class FuzzRegressionIpcTest : public testing::Test {
 protected:
     sptr<OHOS::Vorn::VornSA> sa_ = new OHOS::Vorn::VornSA(OHOS::Vorn::VORN_SA_ID, false);
-    VornTools::RawServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
+    VornTools::RawServiceClient client_ {HostPlatform::MakeRemoteProxy(sa_)};
     HostPlatform::LogCapture logs_;
 };
 
@@ -89,8 +92,7 @@ TEST_F(FuzzRegressionIpcTest, EmptyRawBufferWhereTheTokenBelongs)
     ASSERT_TRUE(data.WriteBuffer("", 0));
     OHOS::MessageParcel reply;
     OHOS::MessageOption option;
-    EXPECT_EQ(HostPlatform::MakeRemoteProxy(sa_)->SendRequest(1, data, reply, option),
-        OHOS::Vorn::ERR_READ_DESCRIPTOR);
+    EXPECT_EQ(HostPlatform::MakeRemoteProxy(sa_)->SendRequest(1, data, reply, option), OHOS::Vorn::ERR_READ_DESCRIPTOR);
     EXPECT_EQ(VornTest::ServiceLines(logs_, LOG_ERROR, "read descriptor failed."), 1u);
 }
 } // namespace

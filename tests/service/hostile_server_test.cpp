@@ -30,10 +30,7 @@ protected:
         EXPECT_EQ(response["statistics"].value("req_error_code", ""), "-1");
     }
 
-    size_t ErrorLines() const
-    {
-        return VornTest::CountLevel(logs_, LOG_ERROR, "VornService");
-    }
+    size_t ErrorLines() const { return VornTest::CountLevel(logs_, LOG_ERROR, "VornService"); }
 
     // The failure that replaces a response the callback cannot carry: the server answered
     // `status`, and one error line gives the size the response had reached.
@@ -196,8 +193,8 @@ TEST_F(HostileServerTest, ABodyThatCannotFitGivesOneTooLargeFailureEvenBeforeThe
     notFound.status = 404;
     // 110 000 raw bytes would fit; escaped they take twice that.
     HttpResponse quotes = HttpResponse::Text(200, std::string(110000, '"'));
-    const std::vector<Case> cases = {
-        {"1 MiB body", mebibyte, "200"}, {"1 MiB error page", notFound, "404"}, {"quotes", quotes, "200"}};
+    const std::vector<Case> cases = {{"1 MiB body", mebibyte, "200"}, {"1 MiB error page", notFound, "404"},
+        {"quotes", quotes, "200"}};
     for (const Case &c : cases) {
         server_->Respond("/big", c.response);
         logs_.Clear();

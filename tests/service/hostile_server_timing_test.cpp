@@ -117,8 +117,9 @@ TEST_F(HostileServerTimingTest, GzipBombGivesOneTooLargeFailureInLittleMemory)
     std::cout << "gzip bomb: " << wire.size() << " bytes on the wire\n";
     EXPECT_LT(wire.size(), 16u * 1024);
     HttpResponse bomb;
-    bomb.rawBytes = "HTTP/1.1 200 OK\r\nContent-Encoding: gzip, gzip\r\nContent-Length: " +
-        std::to_string(wire.size()) + "\r\nConnection: close\r\n\r\n" + wire;
+    bomb.rawBytes =
+        "HTTP/1.1 200 OK\r\nContent-Encoding: gzip, gzip\r\nContent-Length: " + std::to_string(wire.size()) +
+        "\r\nConnection: close\r\n\r\n" + wire;
     server_->Respond("/bomb", bomb);
 
     ExpectTooLargeInLittleMemory("/bomb", "gzip bomb");

@@ -3,8 +3,8 @@
 #include <fstream>
 #include <future>
 #include <iostream>
-#include <set>
 #include <optional>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -34,14 +34,11 @@ const std::string COLLECT_URL = "https://collector.test/v1/events";
 // A device root made the working directory while it lives (the configuration path is relative).
 class DeviceRoot {
 public:
-    void WriteConfig(const std::string &content) const
-    {
-        dir_.WriteFile(CONFIG_PATH, content);
-    }
+    void WriteConfig(const std::string &content) const { dir_.WriteFile(CONFIG_PATH, content); }
 
 private:
     VornTestbed::TempDir dir_;
-    VornTest::WorkingDirectory cwd_{dir_.Path()};
+    VornTest::WorkingDirectory cwd_ {dir_.Path()};
 };
 
 // Thread ids of the process's event runners; the report executor owns the only one here.
@@ -71,7 +68,7 @@ TEST(OmsaCollectUrlTest, TakenFromTheConfigurationFileAnythingElseGivesAnEmptyUr
 {
     struct Case {
         std::optional<std::string> content; // nullopt: no file at all
-        std::string error;                  // empty: nothing logged
+        std::string error; // empty: nothing logged
         std::string url = "";
     };
     const std::vector<Case> cases = {

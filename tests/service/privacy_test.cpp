@@ -12,8 +12,8 @@
 #include "ffrt_host.h"
 #include "https_fixture.h"
 #include "ipc_host.h"
-#include "response_recorder.h"
 #include "raw_service_client.h"
+#include "response_recorder.h"
 #include "temp_dir.h"
 #include "vorn_sa.h"
 #include "vorn_sa_id.h"
@@ -73,7 +73,7 @@ protected:
     }
 
     OHOS::sptr<OHOS::Vorn::VornSA> sa_ = new OHOS::Vorn::VornSA(OHOS::Vorn::VORN_SA_ID, false);
-    VornTools::RawServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
+    VornTools::RawServiceClient client_ {HostPlatform::MakeRemoteProxy(sa_)};
 };
 
 TEST_F(PrivacyTest, RequestAndEventContentsAreLoggedOnlyWhenRevealed)

@@ -15,8 +15,8 @@
 #include "https_fixture.h"
 #include "ipc_host.h"
 #include "process_status.h"
-#include "response_recorder.h"
 #include "raw_service_client.h"
+#include "response_recorder.h"
 #include "vorn_sa.h"
 #include "vorn_sa_id.h"
 
@@ -77,8 +77,9 @@ protected:
         for (const std::string &path : scenario.paths) {
             urls.push_back(Url(path));
         }
-        return Json{{"baseUrls", urls}, {"caFile", files_.caFile}, {"queryHeaders", "n=" + std::to_string(index)},
-            {"requestBody", {"soak"}}}.dump();
+        return Json {{"baseUrls", urls}, {"caFile", files_.caFile}, {"queryHeaders", "n=" + std::to_string(index)},
+            {"requestBody", {"soak"}}}
+            .dump();
     }
 
     // What is wrong with the responses of request `index`; empty when they are as predicted.
@@ -101,7 +102,7 @@ protected:
     }
 
     sptr<OHOS::Vorn::VornSA> sa_ = new OHOS::Vorn::VornSA(OHOS::Vorn::VORN_SA_ID, false);
-    VornTools::RawServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
+    VornTools::RawServiceClient client_ {HostPlatform::MakeRemoteProxy(sa_)};
 };
 
 TEST_F(SoakTimingTest, EveryRequestGetsThePredictedResponsesAndThreadsGoBackToBaseline)
@@ -118,8 +119,8 @@ TEST_F(SoakTimingTest, EveryRequestGetsThePredictedResponsesAndThreadsGoBackToBa
     const size_t baselineThreads = ProcessStatus::Read().threads + (baselineWorkers - workersNow);
 
     std::vector<sptr<VornTest::ResponseRecorder>> recorders(total);
-    std::atomic<size_t> next{0};
-    std::atomic<size_t> refused{0};
+    std::atomic<size_t> next {0};
+    std::atomic<size_t> refused {0};
     const auto start = std::chrono::steady_clock::now();
     std::vector<std::thread> clients;
     for (size_t c = 0; c < concurrency; ++c) {

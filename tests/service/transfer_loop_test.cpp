@@ -19,16 +19,10 @@ using OHOS::Vorn::TransferLoop;
 using VornTestbed::HttpResponse;
 
 struct EasyDeleter {
-    void operator()(CURL *curl) const
-    {
-        curl_easy_cleanup(curl);
-    }
+    void operator()(CURL *curl) const { curl_easy_cleanup(curl); }
 };
 struct MultiDeleter {
-    void operator()(CURLM *multi) const
-    {
-        curl_multi_cleanup(multi);
-    }
+    void operator()(CURLM *multi) const { curl_multi_cleanup(multi); }
 };
 
 class TransferLoopTest : public VornTest::TransportFixture {};
@@ -72,10 +66,12 @@ TEST_F(TransferLoopTest, AHandleTheLoopCannotTakeIsReportedNotRun)
     EXPECT_EQ(TransferLoop::Perform(curl.get()).get(), TransferLoop::NOT_RUN);
     EXPECT_EQ(TransferLoop::Perform(nullptr).get(), TransferLoop::NOT_RUN);
 
-    EXPECT_EQ(VornTest::ServiceLines(logs, LOG_ERROR, "TransferLoop: curl_multi_add_handle failed, code = " +
-        std::to_string(CURLM_ADDED_ALREADY)), 1u);
-    EXPECT_EQ(VornTest::ServiceLines(logs, LOG_ERROR, "TransferLoop: curl_multi_add_handle failed, code = " +
-        std::to_string(CURLM_BAD_EASY_HANDLE)), 1u);
+    EXPECT_EQ(VornTest::ServiceLines(logs, LOG_ERROR,
+                  "TransferLoop: curl_multi_add_handle failed, code = " + std::to_string(CURLM_ADDED_ALREADY)),
+        1u);
+    EXPECT_EQ(VornTest::ServiceLines(logs, LOG_ERROR,
+                  "TransferLoop: curl_multi_add_handle failed, code = " + std::to_string(CURLM_BAD_EASY_HANDLE)),
+        1u);
     ASSERT_EQ(curl_multi_remove_handle(elsewhere.get(), curl.get()), CURLM_OK);
     // The loop goes on serving.
     server_->Respond("/after", HttpResponse::Text(200, "after"));

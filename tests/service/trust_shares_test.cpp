@@ -29,10 +29,7 @@ protected:
         return TransportFixture::Post(info, Url("/k")).status;
     }
 
-    long Post() const
-    {
-        return Post(Request({}));
-    }
+    long Post() const { return Post(Request({})); }
 
     // Puts `content` in place of `path` the way bundles are updated: a new file renamed over it.
     void Replace(const std::string &path, const std::string &content) const

@@ -133,7 +133,8 @@ TEST_F(HttpLogicTest, ACaFileThatIsNoRegularFileIsRefusedUnopened)
         info.caFile = caFile;
         EXPECT_EQ(Post(info, Url("/x")).status, -1) << caFile;
     }
-    EXPECT_EQ(VornTest::ServiceLines(logs, LOG_ERROR, "HttpLogic: caFile is not a regular file, refused: <private>"), 3u);
+    EXPECT_EQ(VornTest::ServiceLines(logs, LOG_ERROR, "HttpLogic: caFile is not a regular file, refused: <private>"),
+        3u);
     // A writer can only open a FIFO that some reader holds open.
     errno = 0;
     EXPECT_EQ(open(fifo.c_str(), O_WRONLY | O_NONBLOCK), -1);
@@ -172,7 +173,7 @@ TEST_F(HttpLogicTest, TunnelsThroughTheDefaultProxyUnlessExcludedOrBroken)
         EXPECT_EQ(Post(Request({}), Url("/p")).status, 200);
         EXPECT_TRUE(logs.Contains("Set default proxy"));
     }
-    ASSERT_EQ(proxy.Targets(), std::vector<std::string>{"127.0.0.1:" + port});
+    ASSERT_EQ(proxy.Targets(), std::vector<std::string> {"127.0.0.1:" + port});
     {
         VornTest::ScopedEnv env("VORN_DEFAULT_HTTP_PROXY",
             "127.0.0.1:" + std::to_string(proxy.Port()) + ";example.invalid,127.0.0.1");
@@ -272,15 +273,15 @@ using Calls = std::vector<std::pair<CURLoption, std::string>>;
 bool Restrict(CURLcode namesResult, CURLcode bitmaskResult, Calls &calls)
 {
     calls.clear();
-    return HttpLogic::RestrictToHttps(HttpLogic::ProtocolSetters{
-        [&calls, namesResult](CURLoption option, const char *names) {
-            calls.emplace_back(option, names);
-            return namesResult;
-        },
-        [&calls, bitmaskResult](CURLoption option, long bitmask) {
-            calls.emplace_back(option, std::to_string(bitmask));
-            return bitmaskResult;
-        }});
+    return HttpLogic::RestrictToHttps(
+        HttpLogic::ProtocolSetters {[&calls, namesResult](CURLoption option, const char *names) {
+                                        calls.emplace_back(option, names);
+                                        return namesResult;
+                                    },
+            [&calls, bitmaskResult](CURLoption option, long bitmask) {
+                calls.emplace_back(option, std::to_string(bitmask));
+                return bitmaskResult;
+            }});
 }
 
 #pragma GCC diagnostic push
@@ -290,16 +291,17 @@ TEST(ProtocolRestrictionTest, NamesWhereLibcurlKnowsThemElseTheHttpsBitmaskNever
     const std::string https = std::to_string(CURLPROTO_HTTPS);
     Calls calls;
     EXPECT_TRUE(Restrict(CURLE_OK, CURLE_OK, calls));
-    EXPECT_EQ(calls, (Calls{{CURLOPT_PROTOCOLS_STR, "https"}, {CURLOPT_REDIR_PROTOCOLS_STR, "https"}}));
+    EXPECT_EQ(calls, (Calls {{CURLOPT_PROTOCOLS_STR, "https"}, {CURLOPT_REDIR_PROTOCOLS_STR, "https"}}));
 
     EXPECT_TRUE(Restrict(CURLE_UNKNOWN_OPTION, CURLE_OK, calls));
-    EXPECT_EQ(calls, (Calls{{CURLOPT_PROTOCOLS_STR, "https"}, {CURLOPT_PROTOCOLS, https},
-                         {CURLOPT_REDIR_PROTOCOLS_STR, "https"}, {CURLOPT_REDIR_PROTOCOLS, https}}));
+    EXPECT_EQ(calls,
+        (Calls {{CURLOPT_PROTOCOLS_STR, "https"}, {CURLOPT_PROTOCOLS, https}, {CURLOPT_REDIR_PROTOCOLS_STR, "https"},
+            {CURLOPT_REDIR_PROTOCOLS, https}}));
 
     // When neither form applies the transfer is refused, without trying the redirect restriction.
     HostPlatform::LogCapture logs;
     EXPECT_FALSE(Restrict(CURLE_UNKNOWN_OPTION, CURLE_BAD_FUNCTION_ARGUMENT, calls));
-    EXPECT_EQ(calls, (Calls{{CURLOPT_PROTOCOLS_STR, "https"}, {CURLOPT_PROTOCOLS, https}}));
+    EXPECT_EQ(calls, (Calls {{CURLOPT_PROTOCOLS_STR, "https"}, {CURLOPT_PROTOCOLS, https}}));
     EXPECT_TRUE(logs.Contains("HttpLogic cannot restrict the transfer to HTTPS, code = 43"));
 }
 #pragma GCC diagnostic pop

@@ -56,8 +56,8 @@ TEST(VornInitConfigParserTest, FullRequestFillsEveryField)
 
 TEST(VornInitConfigParserTest, NonObjectsAndAbsentOrNonObjectProxyKeepTheDefaults)
 {
-    for (const Json &json : {Json(nullptr), Json::array({"interfaceName", "eth0"}), Json("x"), Json(5),
-             Json::object(), Json {{"proxyParam", "http://proxy:1"}}, Json {{"proxyParam", Json::array()}}}) {
+    for (const Json &json : {Json(nullptr), Json::array({"interfaceName", "eth0"}), Json("x"), Json(5), Json::object(),
+             Json {{"proxyParam", "http://proxy:1"}}, Json {{"proxyParam", Json::array()}}}) {
         RequestInfo info;
         EXPECT_NO_THROW(VornInitConfigParser::FromJson(json, info)) << json.dump();
         EXPECT_EQ(info.interfaceName, "") << json.dump();
@@ -110,8 +110,8 @@ TEST(VornInitConfigParserTest, ServerConfigReadsQelServerSectionOnly)
         EXPECT_TRUE(untouched.qelBaseUrls.empty()) << input.dump();
         EXPECT_EQ(untouched.qelQueryTimeout, 0) << input.dump();
     }
-    for (const Json &mistyped : {Json {{"qel_server", {{"qel_base_url", "https://a"}}}},
-             Json {{"qel_server", {{"qel_query_endpoint", 1}}}}}) {
+    for (const Json &mistyped :
+        {Json {{"qel_server", {{"qel_base_url", "https://a"}}}}, Json {{"qel_server", {{"qel_query_endpoint", 1}}}}}) {
         ServerConfig unused;
         EXPECT_THROW(VornInitConfigParser::ServerConfigFromJson(mistyped, unused), nlohmann::json::type_error);
     }

@@ -4,11 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include "callback_parcel_limit.h"
 #include "hilog_host.h"
 #include "ipc_host.h"
 #include "ipc_types.h"
 #include "iremote_stub.h"
-#include "callback_parcel_limit.h"
 #include "message_option.h"
 #include "vorn_request_callback_proxy.h"
 
@@ -32,8 +32,8 @@ public:
     {
         std::u16string token = data.ReadInterfaceToken();
         std::string response = data.ReadString();
-        transactions.push_back({code, option.GetFlags(), option.GetWaitTime(), token, response,
-            data.GetReadableBytes()});
+        transactions.push_back(
+            {code, option.GetFlags(), option.GetWaitTime(), token, response, data.GetReadableBytes()});
         return ERR_NONE;
     }
     void OnResponse(const std::string &) override {}

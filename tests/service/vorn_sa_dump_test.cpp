@@ -33,8 +33,14 @@ constexpr int32_t DUMP_SA_ID = 66104;
 
 // Values that only the requests and the event below carry: none may appear in a dump.
 const std::vector<std::string> PRIVATE_TEXTS {
-    "dump-secret-path", "q-secret-query", "X-Dump-Secret", "hdr-secret-value", "body-secret-text",
-    "evt.dump.secret", "content-secret-value", "127.0.0.1",
+    "dump-secret-path",
+    "q-secret-query",
+    "X-Dump-Secret",
+    "hdr-secret-value",
+    "body-secret-text",
+    "evt.dump.secret",
+    "content-secret-value",
+    "127.0.0.1",
 };
 
 class VornSADumpTest : public LocalServerFixture {
@@ -50,8 +56,8 @@ protected:
         }();
         ASSERT_TRUE(started);
         // A proxy, as another process holds the service: Dump goes through the IPC layer.
-        service_ = OHOS::SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->CheckSystemAbility(
-            DUMP_SA_ID);
+        service_ =
+            OHOS::SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->CheckSystemAbility(DUMP_SA_ID);
         ASSERT_NE(service_, nullptr);
     }
 
@@ -95,7 +101,8 @@ protected:
             {"caFile", files_.caFile},
             {"requestHeaders", {"X-Dump-Secret: hdr-secret-value"}},
             {"requestBody", {"body-secret-text"}},
-        }.dump();
+        }
+            .dump();
     }
 
     // Sends one request and waits until it has been answered and everything it started is done.
@@ -126,11 +133,16 @@ TEST_F(VornSADumpTest, CountersFollowAKnownSequenceAndNoPrivateValueShows)
         // Refused before it is read: an application may not call.
         HostPlatform::ScopedCallerIdentity app(HostPlatform::AppCaller(20010042));
         OHOS::sptr<ResponseRecorder> recorder = new ResponseRecorder();
-        EXPECT_NE(RawServiceClient(service_).Request(RequestFor("/dump-secret-path/ok?q-secret-query"),
-            recorder->RemoteCallback()->AsObject()).result, 0);
+        EXPECT_NE(RawServiceClient(service_)
+                      .Request(RequestFor("/dump-secret-path/ok?q-secret-query"),
+                          recorder->RemoteCallback()->AsObject())
+                      .result,
+            0);
     }
-    EXPECT_EQ(RawServiceClient(service_).Event(
-        R"({"eventId":"evt.dump.secret","content":"{\"k\":\"content-secret-value\"}"})").result, 0);
+    EXPECT_EQ(RawServiceClient(service_)
+                  .Event(R"({"eventId":"evt.dump.secret","content":"{\"k\":\"content-secret-value\"}"})")
+                  .result,
+        0);
     ASSERT_TRUE(HostPlatform::EventRunnersWaitIdle(10s));
     ASSERT_EQ(omsa.Calls("OnEvent").size(), 1u);
 

@@ -14,8 +14,8 @@
 #include "ipc_types.h"
 #include "log_lines.h"
 #include "omsa_log.h"
-#include "response_recorder.h"
 #include "raw_service_client.h"
+#include "response_recorder.h"
 #include "vorn_error_code.h"
 #include "vorn_sa.h"
 
@@ -24,10 +24,10 @@ using namespace OHOS::Vorn;
 using namespace std::chrono_literals;
 using HostPlatform::LogCapture;
 using HostPlatform::ScopedCallerIdentity;
-using VornTools::CallResult;
 using VornTest::ResponseRecorder;
-using VornTools::RawServiceClient;
 using VornTest::ServiceLines;
+using VornTools::CallResult;
+using VornTools::RawServiceClient;
 
 namespace {
 constexpr pid_t APP_UID = 20010042;
@@ -39,7 +39,7 @@ const std::u16string TOKEN = IVornSAInterface::GetDescriptor();
 class StubFixture {
 protected:
     sptr<VornSA> sa_ = new VornSA(VORN_SA_ID, true);
-    RawServiceClient client_{HostPlatform::MakeRemoteProxy(sa_)};
+    RawServiceClient client_ {HostPlatform::MakeRemoteProxy(sa_)};
     sptr<ResponseRecorder> recorder_ = new ResponseRecorder();
     LogCapture logs_;
 };
@@ -51,8 +51,9 @@ TEST_F(VornSAStubTest, OrdinaryAppsAreRefusedForEveryCodeBeforeTheTokenIsRead)
     {
         ScopedCallerIdentity app(HostPlatform::AppCaller(APP_UID));
         const std::u16string badToken = u"not.the.token";
-        for (const CallResult &result : {client_.Request("{}", recorder_, badToken),
-                 client_.Event(R"({"eventId":"e"})", badToken), client_.Request("{}", recorder_, badToken, UNKNOWN_CODE)}) {
+        for (const CallResult &result :
+            {client_.Request("{}", recorder_, badToken), client_.Event(R"({"eventId":"e"})", badToken),
+                client_.Request("{}", recorder_, badToken, UNKNOWN_CODE)}) {
             EXPECT_EQ(result.result, ILLEGAL_APP_CALLING);
             EXPECT_EQ(result.reply, ILLEGAL_APP_CALLING);
         }

@@ -8,12 +8,12 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "engine_fixture.h"
 #include "ffrt_host.h"
 #include "hilog_host.h"
-#include "engine_fixture.h"
 #include "ipc_host.h"
-#include "log_lines.h"
 #include "iremote_broker.h"
+#include "log_lines.h"
 #include "response_recorder.h"
 #include "time_utils.h"
 #include "vorn_server_logic.h"
@@ -49,10 +49,11 @@ TEST(ServerLogicResponseTest, WritesSortedCompactTextWithRawUtf8AndEscapedString
     std::string text = VornServerLogic::GetResponse(404, "PostHttpsRequest failed", "Rule: a\r\n\r\n",
         "{\"k\":\"v\",\"city\":\"Zürich\"}\t\x01", MakeStatistics(1000, 1250, 1600, "404"));
 
-    EXPECT_EQ(text, "{\"body\":\"{\\\"k\\\":\\\"v\\\",\\\"city\\\":\\\"Zürich\\\"}\\t\\u0001\",\"code\":404,"
-                    "\"header\":\"Rule: a\\r\\n\\r\\n\",\"message\":\"PostHttpsRequest failed\","
-                    "\"statistics\":{\"req_domain\":\"example.com\",\"req_end_time\":1600,\"req_error_code\":\"404\","
-                    "\"req_start_time\":1250,\"req_total_time\":350,\"req_wait_time\":250}}");
+    EXPECT_EQ(text,
+        "{\"body\":\"{\\\"k\\\":\\\"v\\\",\\\"city\\\":\\\"Zürich\\\"}\\t\\u0001\",\"code\":404,"
+        "\"header\":\"Rule: a\\r\\n\\r\\n\",\"message\":\"PostHttpsRequest failed\","
+        "\"statistics\":{\"req_domain\":\"example.com\",\"req_end_time\":1600,\"req_error_code\":\"404\","
+        "\"req_start_time\":1250,\"req_total_time\":350,\"req_wait_time\":250}}");
 }
 
 TEST(ServerLogicResponseTest, StatisticsOnlyForAnExchangeAndWrappingWhenTheClockSteppedBack)
@@ -63,13 +64,12 @@ TEST(ServerLogicResponseTest, StatisticsOnlyForAnExchangeAndWrappingWhenTheClock
         R"({"body":"","code":-9223372036854775808,"header":"","message":"InitHttpLogic failed"})");
 
     // Started at 5000, ended at 4000 and submitted after it started: both differences wrap.
-    std::string text = VornServerLogic::GetResponse(200, "Request success", "", "",
-        MakeStatistics(5001, 5000, 4000, "200"));
+    std::string text =
+        VornServerLogic::GetResponse(200, "Request success", "", "", MakeStatistics(5001, 5000, 4000, "200"));
     EXPECT_NE(text.find("\"req_total_time\":18446744073709550616"), std::string::npos) << text;
     EXPECT_NE(text.find("\"req_wait_time\":18446744073709551615"), std::string::npos) << text;
 
-    EXPECT_THROW(VornServerLogic::GetResponse(200, "Request success", "", "bad \xff\xfe", nullptr),
-        Json::type_error);
+    EXPECT_THROW(VornServerLogic::GetResponse(200, "Request success", "", "bad \xff\xfe", nullptr), Json::type_error);
 }
 
 class ServerLogicTest : public VornTest::EngineFixture {
@@ -85,10 +85,7 @@ protected:
         return paths;
     }
 
-    size_t Lines(LogLevel level, const std::string &text) const
-    {
-        return VornTest::ServiceLines(logs_, level, text);
-    }
+    size_t Lines(LogLevel level, const std::string &text) const { return VornTest::ServiceLines(logs_, level, text); }
 
     size_t ErrorLines() const
     {
@@ -123,11 +120,15 @@ TEST_F(ServerLogicTest, SuccessResponseCarriesBodyHeadsAndConsistentStatistics)
 
     const std::string header = response["header"];
     EXPECT_NE(header.find("\r\nCache-status: success\r\nCache-Control: 60\r\n\r\n"), std::string::npos) << header;
-    EXPECT_EQ(text, "{\"body\":\"{\\\"urls\\\":[\\\"u1\\\"]}\",\"code\":200,\"header\":" + Json(header).dump() +
-                        ",\"message\":\"Request success\",\"statistics\":{\"req_domain\":\"127.0.0.1\","
-                        "\"req_end_time\":" + std::to_string(end) + ",\"req_error_code\":\"200\","
-                        "\"req_start_time\":" + std::to_string(start) + ",\"req_total_time\":" +
-                        std::to_string(end - start) + ",\"req_wait_time\":" + std::to_string(wait) + "}}");
+    EXPECT_EQ(text,
+        "{\"body\":\"{\\\"urls\\\":[\\\"u1\\\"]}\",\"code\":200,\"header\":" + Json(header).dump() +
+            ",\"message\":\"Request success\",\"statistics\":{\"req_domain\":\"127.0.0.1\","
+            "\"req_end_time\":" +
+            std::to_string(end) +
+            ",\"req_error_code\":\"200\","
+            "\"req_start_time\":" +
+            std::to_string(start) + ",\"req_total_time\":" + std::to_string(end - start) +
+            ",\"req_wait_time\":" + std::to_string(wait) + "}}");
     EXPECT_EQ(Lines(LOG_INFO, "SubmitRequestTask::success"), 1u);
     EXPECT_EQ(Lines(LOG_INFO, "VornServerLogic::GetAllServiceUrl success"), 1u);
 }
@@ -139,7 +140,7 @@ TEST_F(ServerLogicTest, FailedFirstUrlFallsBackSilentlyToTheSecond)
 
     ASSERT_EQ(RunToIdle(Request({Url("/a"), Url("/b"), Url("/never")})), 0);
 
-    EXPECT_EQ(Paths(), (std::vector<std::string>{"/a", "/b"}));
+    EXPECT_EQ(Paths(), (std::vector<std::string> {"/a", "/b"}));
     ASSERT_EQ(recorder_->Count(), 1u);
     Json response = Json::parse(recorder_->Responses().front());
     EXPECT_EQ(response["code"], 200);
@@ -170,10 +171,7 @@ TEST_F(ServerLogicTest, OnlyTheLastUrlReportsFailureWithItsStatus)
 // Runs with the working directory at a fresh root, as the service does on a device.
 class ServerConfigTest : public ServerLogicTest {
 protected:
-    void WriteConfig(const std::string &content)
-    {
-        root_.WriteFile(CONFIG_PATH, content);
-    }
+    void WriteConfig(const std::string &content) { root_.WriteFile(CONFIG_PATH, content); }
 
     static std::string Config(const std::string &baseUrls, const std::string &endpoint)
     {
@@ -182,7 +180,7 @@ protected:
     }
 
     VornTestbed::TempDir root_;
-    VornTest::WorkingDirectory cwd_{root_.Path()};
+    VornTest::WorkingDirectory cwd_ {root_.Path()};
 };
 
 TEST_F(ServerConfigTest, RoutingUrlsGetTheEndpointAppendedVerbatim)
@@ -193,7 +191,7 @@ TEST_F(ServerConfigTest, RoutingUrlsGetTheEndpointAppendedVerbatim)
 
     ASSERT_EQ(RunToIdle(Request({})), 0);
 
-    EXPECT_EQ(Paths(), (std::vector<std::string>{"/a//v1", "/b/v1"}));
+    EXPECT_EQ(Paths(), (std::vector<std::string> {"/a//v1", "/b/v1"}));
     EXPECT_EQ(server_->Requests().back().query, "appId=42&scope=test");
     ASSERT_EQ(recorder_->Count(), 1u);
     EXPECT_EQ(Json::parse(recorder_->Responses().front())["body"], "routes");
@@ -220,7 +218,7 @@ TEST_F(ServerConfigTest, UnusableConfigurationAnswersWithOneErrorResponse)
 
         EXPECT_EQ(RunToIdle(Request({})), -1);
 
-        EXPECT_EQ(recorder_->Responses(), std::vector<std::string>{CONFIG_FAILED_RESPONSE});
+        EXPECT_EQ(recorder_->Responses(), std::vector<std::string> {CONFIG_FAILED_RESPONSE});
         EXPECT_EQ(Lines(LOG_ERROR, c.log), 1u);
         EXPECT_EQ(ErrorLines(), 1u);
     }
@@ -251,6 +249,6 @@ TEST_F(ServerConfigTest, GnsRequestsAndRequestsWithOwnUrlsNeverReadTheConfigurat
     EXPECT_EQ(recorder_->Count(), 1u);
 
     EXPECT_EQ(ErrorLines(), 0u);
-    EXPECT_EQ(Paths(), std::vector<std::string>{"/own"});
+    EXPECT_EQ(Paths(), std::vector<std::string> {"/own"});
 }
 } // namespace

@@ -7,12 +7,12 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "engine_fixture.h"
 #include "ffrt_host.h"
 #include "hilog_host.h"
-#include "engine_fixture.h"
 #include "ipc_host.h"
-#include "log_lines.h"
 #include "iremote_broker.h"
+#include "log_lines.h"
 #include "response_recorder.h"
 #include "time_utils.h"
 #include "vorn_server_logic.h"
@@ -54,10 +54,7 @@ protected:
         server_->Respond("/ok", HttpResponse::Text(200, "fast"));
     }
 
-    size_t Lines(LogLevel level, const std::string &text) const
-    {
-        return VornTest::ServiceLines(logs_, level, text);
-    }
+    size_t Lines(LogLevel level, const std::string &text) const { return VornTest::ServiceLines(logs_, level, text); }
 
     HostPlatform::LogCapture logs_;
 };

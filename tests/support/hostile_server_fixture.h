@@ -21,8 +21,8 @@ namespace VornTest {
 class HostileServerFixture : public EngineFixture {
 protected:
     struct Outcome {
-        int32_t code = 0;                    // what GetAllServiceUrl returned
-        std::vector<std::string> responses;  // what the client received, in order
+        int32_t code = 0; // what GetAllServiceUrl returned
+        std::vector<std::string> responses; // what the client received, in order
     };
 
     HostileServerFixture() : EngineFixture(std::chrono::seconds(30)) {}
@@ -72,8 +72,8 @@ protected:
     VornTestbed::LocalHttpsServer &StartServer(const VornTestbed::CertificateOptions &certificate,
         OHOS::Vorn::VornInitConfigParser::VornRequestInfo &request, int maxProtocol = 0)
     {
-        auto files = VornTestbed::MakeCertificateFiles(dir_.Path("pki" + std::to_string(extraServers_.size())),
-            certificate);
+        auto files =
+            VornTestbed::MakeCertificateFiles(dir_.Path("pki" + std::to_string(extraServers_.size())), certificate);
         EXPECT_TRUE(files.has_value());
         auto options = VornTestbed::ServerOptions::Tls(*files);
         options.maxProtocol = maxProtocol;

@@ -26,21 +26,18 @@ protected:
         ASSERT_TRUE(server_->Start());
     }
 
-    std::string Url(const std::string &path) const
-    {
-        return server_->BaseUrl() + path;
-    }
+    std::string Url(const std::string &path) const { return server_->BaseUrl() + path; }
 
     VornTestbed::TempDir dir_;
     VornTestbed::CertificateFiles files_;
     std::unique_ptr<VornTestbed::LocalHttpsServer> server_;
 
 private:
-    ScopedEnv noProxy_{"VORN_DEFAULT_HTTP_PROXY", std::nullopt};
-    ScopedEnv noHttpsProxy_{"https_proxy", std::nullopt};
-    ScopedEnv noUpperHttpsProxy_{"HTTPS_PROXY", std::nullopt};
-    ScopedEnv noAllProxy_{"ALL_PROXY", std::nullopt};
-    ScopedEnv noLowerAllProxy_{"all_proxy", std::nullopt};
+    ScopedEnv noProxy_ {"VORN_DEFAULT_HTTP_PROXY", std::nullopt};
+    ScopedEnv noHttpsProxy_ {"https_proxy", std::nullopt};
+    ScopedEnv noUpperHttpsProxy_ {"HTTPS_PROXY", std::nullopt};
+    ScopedEnv noAllProxy_ {"ALL_PROXY", std::nullopt};
+    ScopedEnv noLowerAllProxy_ {"all_proxy", std::nullopt};
 };
 } // namespace VornTest
 

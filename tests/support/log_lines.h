@@ -14,9 +14,8 @@ inline size_t CountAt(const HostPlatform::LogCapture &logs, LogLevel level, cons
     const std::string &text)
 {
     const auto records = logs.Records();
-    return static_cast<size_t>(std::count_if(records.begin(), records.end(), [&](const auto &record) {
-        return record.level == level && record.tag == tag && record.text == text;
-    }));
+    return static_cast<size_t>(std::count_if(records.begin(), records.end(),
+        [&](const auto &record) { return record.level == level && record.tag == tag && record.text == text; }));
 }
 
 inline size_t ServiceLines(const HostPlatform::LogCapture &logs, LogLevel level, const std::string &text)

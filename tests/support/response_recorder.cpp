@@ -5,7 +5,7 @@
 namespace {
 // The service answers with one-way calls; what it sent before Responses() or Count() was asked
 // is counted once the platform has handed it over, which normally takes microseconds.
-constexpr std::chrono::seconds DELIVERY_WAIT{30};
+constexpr std::chrono::seconds DELIVERY_WAIT {30};
 } // namespace
 
 namespace VornTest {

@@ -18,10 +18,7 @@ public:
         }
         Apply(value);
     }
-    ~ScopedEnv()
-    {
-        Apply(old_);
-    }
+    ~ScopedEnv() { Apply(old_); }
     ScopedEnv(const ScopedEnv &) = delete;
     ScopedEnv &operator=(const ScopedEnv &) = delete;
 

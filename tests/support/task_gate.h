@@ -21,10 +21,7 @@ public:
     {
         return started_.get_future().wait_for(timeout) == std::future_status::ready;
     }
-    void Open()
-    {
-        gate_.set_value();
-    }
+    void Open() { gate_.set_value(); }
 
 private:
     std::promise<void> started_;

@@ -25,10 +25,7 @@ protected:
         std::string body;
     };
 
-    static void SetUpTestSuite()
-    {
-        ASSERT_TRUE(OHOS::Vorn::HttpLogic::GlobalInit());
-    }
+    static void SetUpTestSuite() { ASSERT_TRUE(OHOS::Vorn::HttpLogic::GlobalInit()); }
 
     // `limit` caps the escaped size of heads and body, as the engine does for the callback parcel.
     static Outcome Post(const OHOS::Vorn::VornInitConfigParser::VornRequestInfo &info, const std::string &url,

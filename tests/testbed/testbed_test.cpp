@@ -20,14 +20,11 @@ namespace {
 using namespace std::chrono_literals;
 
 // The service's own TLS settings, so the server is tested against what it must satisfy.
-constexpr const char* kServiceCiphers = "AESGCM:!RSA:!DHE:!MEDIUM:!aNULL:!eNULL:!EXPORT:!DES:!3DES:!MD5:!EXP:!PSK:"
+constexpr const char *kServiceCiphers = "AESGCM:!RSA:!DHE:!MEDIUM:!aNULL:!eNULL:!EXPORT:!DES:!3DES:!MD5:!EXP:!PSK:"
                                         "!RC4:!SRP:!aECDH:!ADH:!CAMELLIA:!LOW";
 
 struct CurlDeleter {
-    void operator()(CURL* handle) const
-    {
-        curl_easy_cleanup(handle);
-    }
+    void operator()(CURL *handle) const { curl_easy_cleanup(handle); }
 };
 
 struct ClientRequest {
@@ -36,18 +33,18 @@ struct ClientRequest {
     std::string proxy;
 };
 
-size_t AppendBody(char* data, size_t size, size_t count, void* target)
+size_t AppendBody(char *data, size_t size, size_t count, void *target)
 {
-    static_cast<std::string*>(target)->append(data, size * count);
+    static_cast<std::string *>(target)->append(data, size * count);
     return size * count;
 }
 
 // A client with the service's TLS settings; the code, and the body when it succeeded.
-std::pair<CURLcode, std::string> Perform(const ClientRequest& request)
+std::pair<CURLcode, std::string> Perform(const ClientRequest &request)
 {
     std::string body;
     std::unique_ptr<CURL, CurlDeleter> curl(curl_easy_init());
-    CURL* handle = curl.get();
+    CURL *handle = curl.get();
     curl_easy_setopt(handle, CURLOPT_URL, request.url.c_str());
     curl_easy_setopt(handle, CURLOPT_SSLVERSION, CURL_SSLVERSION_TLSv1_2);
     curl_easy_setopt(handle, CURLOPT_SSL_VERIFYPEER, 1L);
@@ -67,16 +64,13 @@ class TestbedTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite()
     {
-        for (const char* name : {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {
+        for (const char *name : {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {
             ::unsetenv(name);
         }
         curl_global_init(CURL_GLOBAL_DEFAULT);
     }
 
-    static void TearDownTestSuite()
-    {
-        curl_global_cleanup();
-    }
+    static void TearDownTestSuite() { curl_global_cleanup(); }
 
     void SetUp() override
     {
@@ -85,17 +79,14 @@ protected:
         files_ = *made;
     }
 
-    std::unique_ptr<LocalHttpsServer> StartServer(const ServerOptions& options)
+    std::unique_ptr<LocalHttpsServer> StartServer(const ServerOptions &options)
     {
         auto server = std::make_unique<LocalHttpsServer>(options);
         EXPECT_TRUE(server->Start());
         return server;
     }
 
-    ClientRequest To(const std::string& url) const
-    {
-        return {url, files_.caFile, ""};
-    }
+    ClientRequest To(const std::string &url) const { return {url, files_.caFile, ""}; }
 
     TempDir dir_;
     CertificateFiles files_;
@@ -107,10 +98,10 @@ TEST_F(TestbedTest, CertificatesTheClientMustRefuse)
     auto sameCa = CertificateAuthority::Create();
     ASSERT_TRUE(otherCa && sameCa);
     ASSERT_TRUE(sameCa->WriteCertificate(dir_.Path("ca.pem")));
-    ASSERT_TRUE(sameCa->IssueServerCertificate(CertificateOptions::Expired(), dir_.Path("old.pem"),
-        dir_.Path("old.key")));
-    ASSERT_TRUE(sameCa->IssueServerCertificate(CertificateOptions::ForHost("elsewhere.test"),
-        dir_.Path("host.pem"), dir_.Path("host.key")));
+    ASSERT_TRUE(
+        sameCa->IssueServerCertificate(CertificateOptions::Expired(), dir_.Path("old.pem"), dir_.Path("old.key")));
+    ASSERT_TRUE(sameCa->IssueServerCertificate(CertificateOptions::ForHost("elsewhere.test"), dir_.Path("host.pem"),
+        dir_.Path("host.key")));
     struct Case {
         CertificateFiles served;
         std::string trustedCa;
@@ -118,7 +109,7 @@ TEST_F(TestbedTest, CertificatesTheClientMustRefuse)
     const std::vector<Case> cases = {{*otherCa, files_.caFile},
         {{"", dir_.Path("old.pem"), dir_.Path("old.key")}, dir_.Path("ca.pem")},
         {{"", dir_.Path("host.pem"), dir_.Path("host.key")}, dir_.Path("ca.pem")}};
-    for (const auto& refused : cases) {
+    for (const auto &refused : cases) {
         auto server = StartServer(ServerOptions::Tls(refused.served));
         server->Respond("/", HttpResponse::Text(200, "secret"));
         ClientRequest request = To(server->BaseUrl() + "/");

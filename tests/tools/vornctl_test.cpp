@@ -93,10 +93,11 @@ TEST_F(VornctlTest, RequestIsReadFromAFileOrStandardInput)
 
 TEST_F(VornctlTest, RootHoldsTheServerConfigurationThatRoutesTheRequest)
 {
-    nlohmann::json config = {{"qel_server", {
-        {"qel_base_url", {Url("/routing")}},
-        {"qel_query_endpoint", "/query"},
-    }}};
+    nlohmann::json config = {{"qel_server",
+        {
+            {"qel_base_url", {Url("/routing")}},
+            {"qel_query_endpoint", "/query"},
+        }}};
     dir_.WriteFile("root/system/etc/tarnix/vorn_depot/qel_sdk_server_config.json", config.dump());
     server_->Respond("/routing/query", VornTestbed::HttpResponse::Text(200, "routed"));
     std::string request = nlohmann::json {{"caFile", files_.caFile}}.dump();

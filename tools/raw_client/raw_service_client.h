@@ -10,8 +10,8 @@
 
 namespace VornTools {
 struct CallResult {
-    int result = 0;                // the transaction result
-    std::optional<int32_t> reply;  // the first Int32 of the reply parcel, when it holds one
+    int result = 0; // the transaction result
+    std::optional<int32_t> reply; // the first Int32 of the reply parcel, when it holds one
 };
 
 // Writes the service's two transactions by hand, with any token and code, so that the

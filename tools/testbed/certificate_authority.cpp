@@ -13,7 +13,7 @@ namespace {
 constexpr int kSerialBits = 63;
 constexpr int kX509Version3 = 2;
 
-bool Fail(const char* what)
+bool Fail(const char *what)
 {
     std::fprintf(stderr, "testbed: %s failed\n", what);
     ERR_print_errors_fp(stderr);
@@ -26,14 +26,14 @@ EvpPkeyPtr NewKey()
 }
 
 // A random serial per certificate, so that no two certificates a client sees share one.
-bool SetRandomSerial(X509* certificate)
+bool SetRandomSerial(X509 *certificate)
 {
     BignumPtr serial(BN_new());
     return serial && BN_rand(serial.get(), kSerialBits, BN_RAND_TOP_ANY, BN_RAND_BOTTOM_ANY) == 1 &&
         BN_to_ASN1_INTEGER(serial.get(), X509_get_serialNumber(certificate)) != nullptr;
 }
 
-X509Ptr NewCertificate(EVP_PKEY* key, const std::string& commonName, std::chrono::seconds validFrom,
+X509Ptr NewCertificate(EVP_PKEY *key, const std::string &commonName, std::chrono::seconds validFrom,
     std::chrono::seconds validUntil)
 {
     X509Ptr certificate(X509_new());
@@ -44,15 +44,15 @@ X509Ptr NewCertificate(EVP_PKEY* key, const std::string& commonName, std::chrono
         X509_set_pubkey(certificate.get(), key) != 1) {
         return nullptr;
     }
-    X509_NAME* name = X509_get_subject_name(certificate.get());
+    X509_NAME *name = X509_get_subject_name(certificate.get());
     if (X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_UTF8,
-        reinterpret_cast<const unsigned char*>(commonName.c_str()), -1, -1, 0) != 1) {
+            reinterpret_cast<const unsigned char *>(commonName.c_str()), -1, -1, 0) != 1) {
         return nullptr;
     }
     return certificate;
 }
 
-bool AddExtension(X509* certificate, X509* issuer, int nid, const std::string& value)
+bool AddExtension(X509 *certificate, X509 *issuer, int nid, const std::string &value)
 {
     X509V3_CTX context;
     X509V3_set_ctx_nodb(&context);
@@ -61,16 +61,16 @@ bool AddExtension(X509* certificate, X509* issuer, int nid, const std::string& v
     return extension && X509_add_ext(certificate, extension.get(), -1) == 1;
 }
 
-std::string Join(const std::vector<std::string>& items)
+std::string Join(const std::vector<std::string> &items)
 {
     std::string joined;
-    for (const auto& item : items) {
+    for (const auto &item : items) {
         joined += (joined.empty() ? "" : ",") + item;
     }
     return joined;
 }
 
-bool WritePem(const std::string& path, const std::function<int(BIO*)>& write)
+bool WritePem(const std::string &path, const std::function<int(BIO *)> &write)
 {
     BioPtr file(BIO_new_file(path.c_str(), "w"));
     return file && write(file.get()) == 1;
@@ -85,7 +85,7 @@ CertificateOptions CertificateOptions::Expired()
     return options;
 }
 
-CertificateOptions CertificateOptions::ForHost(const std::string& hostName)
+CertificateOptions CertificateOptions::ForHost(const std::string &hostName)
 {
     CertificateOptions options;
     options.commonName = hostName;
@@ -98,7 +98,7 @@ CertificateAuthority::CertificateAuthority(EvpPkeyPtr key, X509Ptr certificate)
 {
 }
 
-std::optional<CertificateAuthority> CertificateAuthority::Create(const std::string& commonName)
+std::optional<CertificateAuthority> CertificateAuthority::Create(const std::string &commonName)
 {
     EvpPkeyPtr key = NewKey();
     if (!key) {
@@ -106,7 +106,7 @@ std::optional<CertificateAuthority> CertificateAuthority::Create(const std::stri
         return std::nullopt;
     }
     X509Ptr certificate = NewCertificate(key.get(), commonName, std::chrono::hours(-1), std::chrono::hours(24 * 365));
-    X509* self = certificate.get();
+    X509 *self = certificate.get();
     if (!certificate || X509_set_issuer_name(self, X509_get_subject_name(self)) != 1 ||
         !AddExtension(self, self, NID_basic_constraints, "critical,CA:TRUE") ||
         !AddExtension(self, self, NID_key_usage, "critical,keyCertSign,cRLSign") ||
@@ -118,19 +118,19 @@ std::optional<CertificateAuthority> CertificateAuthority::Create(const std::stri
     return CertificateAuthority(std::move(key), std::move(certificate));
 }
 
-bool CertificateAuthority::WriteCertificate(const std::string& path) const
+bool CertificateAuthority::WriteCertificate(const std::string &path) const
 {
-    return WritePem(path, [this](BIO* file) { return PEM_write_bio_X509(file, certificate_.get()); }) ||
+    return WritePem(path, [this](BIO *file) { return PEM_write_bio_X509(file, certificate_.get()); }) ||
         Fail("writing the CA certificate");
 }
 
-bool CertificateAuthority::IssueServerCertificate(const CertificateOptions& options, const std::string& certPath,
-    const std::string& keyPath) const
+bool CertificateAuthority::IssueServerCertificate(const CertificateOptions &options, const std::string &certPath,
+    const std::string &keyPath) const
 {
     EvpPkeyPtr key = NewKey();
-    X509Ptr certificate = key ? NewCertificate(key.get(), options.commonName, options.validFrom, options.validUntil)
-                              : nullptr;
-    X509* leaf = certificate.get();
+    X509Ptr certificate =
+        key ? NewCertificate(key.get(), options.commonName, options.validFrom, options.validUntil) : nullptr;
+    X509 *leaf = certificate.get();
     if (!certificate || X509_set_issuer_name(leaf, X509_get_subject_name(certificate_.get())) != 1 ||
         !AddExtension(leaf, certificate_.get(), NID_basic_constraints, "critical,CA:FALSE") ||
         !AddExtension(leaf, certificate_.get(), NID_key_usage, "critical,digitalSignature") ||
@@ -142,14 +142,14 @@ bool CertificateAuthority::IssueServerCertificate(const CertificateOptions& opti
         X509_sign(leaf, key_.get(), EVP_sha256()) <= 0) {
         return Fail("server certificate");
     }
-    bool written = WritePem(certPath, [leaf](BIO* file) { return PEM_write_bio_X509(file, leaf); }) &&
-        WritePem(keyPath, [&key](BIO* file) {
+    bool written = WritePem(certPath, [leaf](BIO *file) { return PEM_write_bio_X509(file, leaf); }) &&
+        WritePem(keyPath, [&key](BIO *file) {
             return PEM_write_bio_PrivateKey(file, key.get(), nullptr, nullptr, 0, nullptr, nullptr);
         });
     return written || Fail("writing the server certificate");
 }
 
-std::optional<CertificateFiles> MakeCertificateFiles(const std::string& directory, const CertificateOptions& options)
+std::optional<CertificateFiles> MakeCertificateFiles(const std::string &directory, const CertificateOptions &options)
 {
     std::error_code error;
     std::filesystem::create_directories(directory, error);

@@ -20,7 +20,7 @@ struct CertificateOptions {
     // A certificate that ran out yesterday.
     static CertificateOptions Expired();
     // A certificate that names only `hostName`, so it does not match 127.0.0.1 or localhost.
-    static CertificateOptions ForHost(const std::string& hostName);
+    static CertificateOptions ForHost(const std::string &hostName);
 };
 
 // PEM files a server and its clients need.
@@ -35,12 +35,12 @@ struct CertificateFiles {
 class CertificateAuthority {
 public:
     // Null (with OpenSSL's errors on stderr) when key or certificate cannot be made.
-    static std::optional<CertificateAuthority> Create(const std::string& commonName = "Vorn Testbed CA");
+    static std::optional<CertificateAuthority> Create(const std::string &commonName = "Vorn Testbed CA");
 
-    bool WriteCertificate(const std::string& path) const;
+    bool WriteCertificate(const std::string &path) const;
     // Writes a new key and a certificate for it, signed by this CA.
-    bool IssueServerCertificate(const CertificateOptions& options, const std::string& certPath,
-        const std::string& keyPath) const;
+    bool IssueServerCertificate(const CertificateOptions &options, const std::string &certPath,
+        const std::string &keyPath) const;
 
 private:
     CertificateAuthority(EvpPkeyPtr key, X509Ptr certificate);
@@ -51,8 +51,8 @@ private:
 
 // The usual set: a fresh CA and one server certificate it signed, written as ca.pem, server.pem
 // and server.key into `directory` (created when missing).
-std::optional<CertificateFiles> MakeCertificateFiles(const std::string& directory,
-    const CertificateOptions& options = {});
+std::optional<CertificateFiles> MakeCertificateFiles(const std::string &directory,
+    const CertificateOptions &options = {});
 } // namespace VornTestbed
 
 #endif // VORN_TESTBED_CERTIFICATE_AUTHORITY_H

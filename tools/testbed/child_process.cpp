@@ -11,7 +11,7 @@
 #include <memory>
 #include <thread>
 
-extern char** environ;
+extern char **environ;
 
 namespace VornTestbed {
 namespace {
@@ -19,7 +19,7 @@ using FilePtr = std::unique_ptr<std::FILE, decltype(&std::fclose)>;
 
 constexpr std::chrono::milliseconds WAIT_STEP(5);
 
-FilePtr TempFile(const std::string& content = {})
+FilePtr TempFile(const std::string &content = {})
 {
     FilePtr file(std::tmpfile(), &std::fclose);
     if (file != nullptr && !content.empty()) {
@@ -30,7 +30,7 @@ FilePtr TempFile(const std::string& content = {})
     return file;
 }
 
-std::string ReadAll(std::FILE* file)
+std::string ReadAll(std::FILE *file)
 {
     std::string text;
     std::fseek(file, 0, SEEK_SET);
@@ -42,17 +42,17 @@ std::string ReadAll(std::FILE* file)
     return text;
 }
 
-std::vector<std::string> Environment(const ProcessOptions& options)
+std::vector<std::string> Environment(const ProcessOptions &options)
 {
     std::map<std::string, std::string> values;
-    for (char** entry = environ; *entry != nullptr; ++entry) {
+    for (char **entry = environ; *entry != nullptr; ++entry) {
         std::string text(*entry);
         size_t equals = text.find('=');
         if (equals != std::string::npos) {
             values[text.substr(0, equals)] = text.substr(equals + 1);
         }
     }
-    for (const auto& [name, value] : options.env) {
+    for (const auto &[name, value] : options.env) {
         if (value) {
             values[name] = *value;
         } else {
@@ -60,16 +60,16 @@ std::vector<std::string> Environment(const ProcessOptions& options)
         }
     }
     std::vector<std::string> entries;
-    for (const auto& [name, value] : values) {
+    for (const auto &[name, value] : values) {
         entries.push_back(name + "=" + value);
     }
     return entries;
 }
 
-std::vector<char*> Pointers(std::vector<std::string>& texts)
+std::vector<char *> Pointers(std::vector<std::string> &texts)
 {
-    std::vector<char*> pointers;
-    for (std::string& text : texts) {
+    std::vector<char *> pointers;
+    for (std::string &text : texts) {
         pointers.push_back(text.data());
     }
     pointers.push_back(nullptr);
@@ -77,7 +77,7 @@ std::vector<char*> Pointers(std::vector<std::string>& texts)
 }
 
 // Waits for the child; kills it once the timeout has passed.
-void Wait(pid_t pid, std::chrono::milliseconds timeout, ProcessResult& result)
+void Wait(pid_t pid, std::chrono::milliseconds timeout, ProcessResult &result)
 {
     auto deadline = std::chrono::steady_clock::now() + timeout;
     int status = 0;
@@ -94,7 +94,7 @@ void Wait(pid_t pid, std::chrono::milliseconds timeout, ProcessResult& result)
 }
 } // namespace
 
-ProcessResult RunProcess(const std::vector<std::string>& argv, const ProcessOptions& options)
+ProcessResult RunProcess(const std::vector<std::string> &argv, const ProcessOptions &options)
 {
     ProcessResult result;
     FilePtr in = TempFile(options.input);
@@ -106,9 +106,9 @@ ProcessResult RunProcess(const std::vector<std::string>& argv, const ProcessOpti
     }
     std::vector<std::string> args = argv;
     std::vector<std::string> env = Environment(options);
-    std::vector<char*> argPointers = Pointers(args);
-    std::vector<char*> envPointers = Pointers(env);
-    const std::string& program = options.program.empty() ? argv[0] : options.program;
+    std::vector<char *> argPointers = Pointers(args);
+    std::vector<char *> envPointers = Pointers(env);
+    const std::string &program = options.program.empty() ? argv[0] : options.program;
 
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

@@ -11,7 +11,7 @@ namespace VornTestbed {
 struct ProcessOptions {
     // Changes to this process's environment for the child: a value sets, nullopt unsets.
     std::vector<std::pair<std::string, std::optional<std::string>>> env;
-    std::string input;  // the child's standard input
+    std::string input; // the child's standard input
     std::chrono::milliseconds timeout {60000};
     // The file to start when it is not argv[0] (which is then only the name the child sees).
     std::string program;
@@ -21,9 +21,9 @@ struct ProcessOptions {
 };
 
 struct ProcessResult {
-    int exitCode = -1;  // -1 when the child did not exit normally or was killed at the timeout
+    int exitCode = -1; // -1 when the child did not exit normally or was killed at the timeout
     bool timedOut = false;
-    std::string startError;  // why the child could not be started; empty once it was
+    std::string startError; // why the child could not be started; empty once it was
     std::string out;
     std::string err;
     std::chrono::milliseconds elapsed {0};
@@ -32,7 +32,7 @@ struct ProcessResult {
 // Runs a program to its end (killing it at the timeout), with its output collected in full.
 // Output goes to unlinked temporary files, not pipes, so a child that fills both standard
 // output and standard error can never block on a reader that waits for the other.
-ProcessResult RunProcess(const std::vector<std::string>& argv, const ProcessOptions& options = {});
+ProcessResult RunProcess(const std::vector<std::string> &argv, const ProcessOptions &options = {});
 } // namespace VornTestbed
 
 #endif // VORN_TESTBED_CHILD_PROCESS_H

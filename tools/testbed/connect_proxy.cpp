@@ -16,7 +16,7 @@ constexpr size_t kRelayChunk = 64 * 1024;
 constexpr unsigned long kMaxPort = 65535;
 
 // Reads up to the blank line that ends the proxy request; bytes behind it stay in `rest`.
-bool ReadHead(int fd, std::string& head, std::string& rest)
+bool ReadHead(int fd, std::string &head, std::string &rest)
 {
     char chunk[4096];
     while (head.find("\r\n\r\n") == std::string::npos) {
@@ -36,14 +36,14 @@ bool ReadHead(int fd, std::string& head, std::string& rest)
 }
 
 // Port of "127.0.0.1:<port>" or "localhost:<port>"; 0 for any other target.
-uint16_t LoopbackPort(const std::string& target)
+uint16_t LoopbackPort(const std::string &target)
 {
     size_t colon = target.rfind(':');
     std::string host = target.substr(0, colon);
     if (colon == std::string::npos || (host != "127.0.0.1" && host != "localhost")) {
         return 0;
     }
-    char* end = nullptr;
+    char *end = nullptr;
     unsigned long port = std::strtoul(target.c_str() + colon + 1, &end, 10);
     return *end == '\0' && port <= kMaxPort ? static_cast<uint16_t>(port) : 0;
 }
@@ -77,7 +77,7 @@ void Relay(int client, int upstream)
     }
 }
 
-void Answer(int fd, const std::string& statusLine)
+void Answer(int fd, const std::string &statusLine)
 {
     std::string answer = "HTTP/1.1 " + statusLine + "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
     SendAll(fd, answer.data(), answer.size());
@@ -115,7 +115,7 @@ std::vector<std::string> ConnectProxy::Targets() const
     return targets_;
 }
 
-void ConnectProxy::Record(const std::string& target)
+void ConnectProxy::Record(const std::string &target)
 {
     std::lock_guard<std::mutex> lock(mutex_);
     targets_.push_back(target);

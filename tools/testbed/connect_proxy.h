@@ -16,21 +16,21 @@ class ConnectProxy {
 public:
     ConnectProxy() = default;
     ~ConnectProxy();
-    ConnectProxy(const ConnectProxy&) = delete;
-    ConnectProxy& operator=(const ConnectProxy&) = delete;
+    ConnectProxy(const ConnectProxy &) = delete;
+    ConnectProxy &operator=(const ConnectProxy &) = delete;
 
     bool Start();
     // Closes every tunnel and waits for them.
     void Stop();
 
     uint16_t Port() const;
-    std::string Url() const;  // "http://127.0.0.1:<port>"
+    std::string Url() const; // "http://127.0.0.1:<port>"
     // Every "host:port" asked for with CONNECT, in order, refused ones included.
     std::vector<std::string> Targets() const;
 
 private:
     void ServeConnection(int clientFd);
-    void Record(const std::string& target);
+    void Record(const std::string &target);
 
     TcpAcceptor acceptor_;
     mutable std::mutex mutex_;

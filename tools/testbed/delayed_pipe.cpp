@@ -22,7 +22,7 @@ DelayedPipe::Clock::time_point DelayedPipe::Schedule(size_t size, Clock::time_po
     return departs + oneWay_;
 }
 
-void DelayedPipe::Push(const char* data, size_t size, Clock::time_point now)
+void DelayedPipe::Push(const char *data, size_t size, Clock::time_point now)
 {
     if (ended_ || size == 0) {
         return;
@@ -56,15 +56,15 @@ std::optional<DelayedPipe::Clock::time_point> DelayedPipe::NextDue() const
 DelayedPipe::Delivery DelayedPipe::Deliver(int fd, Clock::time_point now)
 {
     while (!queue_.empty() && queue_.front().due <= now) {
-        Chunk& chunk = queue_.front();
+        Chunk &chunk = queue_.front();
         if (chunk.bytes.empty()) {
             ::shutdown(fd, SHUT_WR);
             finished_ = true;
             queue_.pop_front();
             continue;
         }
-        ssize_t sent = ::send(fd, chunk.bytes.data() + chunk.sent, chunk.bytes.size() - chunk.sent,
-            MSG_DONTWAIT | MSG_NOSIGNAL);
+        ssize_t sent =
+            ::send(fd, chunk.bytes.data() + chunk.sent, chunk.bytes.size() - chunk.sent, MSG_DONTWAIT | MSG_NOSIGNAL);
         if (sent < 0 && errno == EINTR) {
             continue;
         }

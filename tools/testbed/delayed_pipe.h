@@ -20,7 +20,7 @@ public:
     // `bytesPerSecond` 0 means no limit; nothing departs before `openAt`.
     DelayedPipe(Clock::duration oneWay, size_t bytesPerSecond, Clock::time_point openAt);
 
-    void Push(const char* data, size_t size, Clock::time_point now);
+    void Push(const char *data, size_t size, Clock::time_point now);
     void PushEnd(Clock::time_point now);
 
     // More input is taken until the queue holds this many bytes, so a stalled reader makes the
@@ -40,7 +40,7 @@ public:
 private:
     struct Chunk {
         Clock::time_point due;
-        std::string bytes;  // empty: the end of the stream
+        std::string bytes; // empty: the end of the stream
         size_t sent = 0;
     };
 

@@ -13,7 +13,7 @@ constexpr size_t kOutputChunk = 64 * 1024;
 GzipEncoder::GzipEncoder()
 {
     ready_ = deflateInit2(&stream_, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindowBits, kMemoryLevel,
-        Z_DEFAULT_STRATEGY) == Z_OK;
+                 Z_DEFAULT_STRATEGY) == Z_OK;
 }
 
 GzipEncoder::~GzipEncoder()
@@ -39,7 +39,7 @@ bool GzipEncoder::Finish()
     return Deflate({}, Z_FINISH);
 }
 
-std::string& GzipEncoder::Output()
+std::string &GzipEncoder::Output()
 {
     return output_;
 }
@@ -50,13 +50,13 @@ bool GzipEncoder::Deflate(std::string_view data, int flush)
         return false;
     }
     // zlib's interface is not const-correct; it never writes through next_in.
-    stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
+    stream_.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(data.data()));
     stream_.avail_in = static_cast<uInt>(data.size());
     int status = Z_OK;
     do {
         size_t used = output_.size();
         output_.resize(used + kOutputChunk);
-        stream_.next_out = reinterpret_cast<Bytef*>(&output_[used]);
+        stream_.next_out = reinterpret_cast<Bytef *>(&output_[used]);
         stream_.avail_out = static_cast<uInt>(kOutputChunk);
         status = deflate(&stream_, flush);
         output_.resize(used + kOutputChunk - stream_.avail_out);

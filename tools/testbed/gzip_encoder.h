@@ -13,13 +13,13 @@ class GzipEncoder {
 public:
     GzipEncoder();
     ~GzipEncoder();
-    GzipEncoder(const GzipEncoder&) = delete;
-    GzipEncoder& operator=(const GzipEncoder&) = delete;
+    GzipEncoder(const GzipEncoder &) = delete;
+    GzipEncoder &operator=(const GzipEncoder &) = delete;
 
     bool Append(std::string_view data);
     // Completes the stream; the compressed bytes are then in Output().
     bool Finish();
-    std::string& Output();
+    std::string &Output();
 
 private:
     bool Deflate(std::string_view data, int flush);

@@ -32,8 +32,8 @@ class LatencyRelay {
 public:
     LatencyRelay(uint16_t upstreamPort, PathSettings settings);
     ~LatencyRelay();
-    LatencyRelay(const LatencyRelay&) = delete;
-    LatencyRelay& operator=(const LatencyRelay&) = delete;
+    LatencyRelay(const LatencyRelay &) = delete;
+    LatencyRelay &operator=(const LatencyRelay &) = delete;
 
     // False (with a message on stderr) when it cannot listen.
     bool Start();

@@ -16,13 +16,16 @@ namespace {
 HttpResponse ErrorFor(RequestReader::Result result)
 {
     switch (result) {
-        case RequestReader::Result::TooLarge: return HttpResponse::Text(431, "request head too large\n");
-        case RequestReader::Result::Unsupported: return HttpResponse::Text(501, "transfer codings not supported\n");
-        default: return HttpResponse::Text(400, "malformed request\n");
+        case RequestReader::Result::TooLarge:
+            return HttpResponse::Text(431, "request head too large\n");
+        case RequestReader::Result::Unsupported:
+            return HttpResponse::Text(501, "transfer codings not supported\n");
+        default:
+            return HttpResponse::Text(400, "malformed request\n");
     }
 }
 
-bool WantsClose(const HttpRequest& request)
+bool WantsClose(const HttpRequest &request)
 {
     std::string value = request.Header("Connection").value_or("");
     std::transform(value.begin(), value.end(), value.begin(), [](unsigned char c) { return std::tolower(c); });
@@ -30,7 +33,7 @@ bool WantsClose(const HttpRequest& request)
 }
 } // namespace
 
-ServerOptions ServerOptions::Tls(const CertificateFiles& files)
+ServerOptions ServerOptions::Tls(const CertificateFiles &files)
 {
     ServerOptions options;
     options.certFile = files.certFile;
@@ -78,7 +81,7 @@ bool LocalHttpsServer::SetUpTls()
         std::fprintf(stderr, "testbed: SSL_CTX_new failed\n");
         return false;
     }
-    SSL_CTX* context = context_.get();
+    SSL_CTX *context = context_.get();
     int minProtocol = options_.minProtocol;
     if (options_.maxProtocol != 0 && options_.maxProtocol < TLS1_2_VERSION) {
         // Security level 1 and up forbid the SHA-1 based handshakes of TLS 1.0 and 1.1.
@@ -114,20 +117,20 @@ std::string LocalHttpsServer::LocalhostUrl() const
     return Url("localhost");
 }
 
-std::string LocalHttpsServer::Url(const std::string& host) const
+std::string LocalHttpsServer::Url(const std::string &host) const
 {
     return (options_.plainHttp ? "http://" : "https://") + host + ":" + std::to_string(Port());
 }
 
-void LocalHttpsServer::Handle(const std::string& path, Handler handler)
+void LocalHttpsServer::Handle(const std::string &path, Handler handler)
 {
     std::lock_guard<std::mutex> lock(mutex_);
     handlers_[path] = std::move(handler);
 }
 
-void LocalHttpsServer::Respond(const std::string& path, const HttpResponse& response)
+void LocalHttpsServer::Respond(const std::string &path, const HttpResponse &response)
 {
-    Handle(path, [response](const HttpRequest&) { return response; });
+    Handle(path, [response](const HttpRequest &) { return response; });
 }
 
 std::vector<HttpRequest> LocalHttpsServer::Requests() const
@@ -142,7 +145,7 @@ size_t LocalHttpsServer::RequestCount() const
     return requests_.size();
 }
 
-size_t LocalHttpsServer::RequestCount(const std::string& path) const
+size_t LocalHttpsServer::RequestCount(const std::string &path) const
 {
     std::lock_guard<std::mutex> lock(mutex_);
     auto found = pathCounts_.find(path);
@@ -214,7 +217,7 @@ void LocalHttpsServer::ServeConnection(int fd)
     ERR_clear_error();
 }
 
-HttpResponse LocalHttpsServer::Dispatch(const HttpRequest& request)
+HttpResponse LocalHttpsServer::Dispatch(const HttpRequest &request)
 {
     Handler handler;
     {
@@ -227,13 +230,13 @@ HttpResponse LocalHttpsServer::Dispatch(const HttpRequest& request)
     }
     try {
         return handler(request);
-    } catch (const std::exception& error) {
+    } catch (const std::exception &error) {
         std::fprintf(stderr, "testbed: handler for %s threw: %s\n", request.path.c_str(), error.what());
         return HttpResponse::Text(500, "handler failed\n");
     }
 }
 
-void LocalHttpsServer::Record(const HttpRequest& request)
+void LocalHttpsServer::Record(const HttpRequest &request)
 {
     {
         std::lock_guard<std::mutex> lock(mutex_);

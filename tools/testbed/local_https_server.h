@@ -26,12 +26,12 @@ struct ServerOptions {
     // 0: the newest the library knows. A maximum below TLS 1.2 lowers the minimum and the
     // security level with it, since the library refuses old protocols otherwise.
     int maxProtocol = 0;
-    std::string cipherList;  // TLS 1.2 and older; empty keeps the library's default
+    std::string cipherList; // TLS 1.2 and older; empty keeps the library's default
     // Closes each connection once its first response is sent, without announcing it, as a
     // server does whose idle time-out is shorter than the client's.
     bool closeIdleConnections = false;
 
-    static ServerOptions Tls(const CertificateFiles& files);
+    static ServerOptions Tls(const CertificateFiles &files);
     static ServerOptions PlainHttp();
 };
 
@@ -41,28 +41,28 @@ struct ServerOptions {
 // once; Stop() (also run by the destructor) ends stalls and waits at once.
 class LocalHttpsServer {
 public:
-    using Handler = std::function<HttpResponse(const HttpRequest&)>;
+    using Handler = std::function<HttpResponse(const HttpRequest &)>;
 
     explicit LocalHttpsServer(ServerOptions options);
     ~LocalHttpsServer();
-    LocalHttpsServer(const LocalHttpsServer&) = delete;
-    LocalHttpsServer& operator=(const LocalHttpsServer&) = delete;
+    LocalHttpsServer(const LocalHttpsServer &) = delete;
+    LocalHttpsServer &operator=(const LocalHttpsServer &) = delete;
 
     // False (with a message on stderr) when the TLS setup or the socket fails.
     bool Start();
     void Stop();
 
     uint16_t Port() const;
-    std::string BaseUrl() const;       // "https://127.0.0.1:<port>" ("http://" in plain mode)
-    std::string LocalhostUrl() const;  // "https://localhost:<port>"
+    std::string BaseUrl() const; // "https://127.0.0.1:<port>" ("http://" in plain mode)
+    std::string LocalhostUrl() const; // "https://localhost:<port>"
 
-    void Handle(const std::string& path, Handler handler);
+    void Handle(const std::string &path, Handler handler);
     // Answers every request for `path` with a copy of `response`.
-    void Respond(const std::string& path, const HttpResponse& response);
+    void Respond(const std::string &path, const HttpResponse &response);
 
     std::vector<HttpRequest> Requests() const;
     size_t RequestCount() const;
-    size_t RequestCount(const std::string& path) const;
+    size_t RequestCount(const std::string &path) const;
     // Waits until at least `count` requests have arrived; false on timeout.
     bool WaitForRequests(size_t count, std::chrono::milliseconds timeout) const;
     void ClearRequests();
@@ -74,9 +74,9 @@ public:
 private:
     bool SetUpTls();
     void ServeConnection(int fd);
-    HttpResponse Dispatch(const HttpRequest& request);
-    void Record(const HttpRequest& request);
-    std::string Url(const std::string& host) const;
+    HttpResponse Dispatch(const HttpRequest &request);
+    void Record(const HttpRequest &request);
+    std::string Url(const std::string &host) const;
 
     ServerOptions options_;
     SslCtxPtr context_;

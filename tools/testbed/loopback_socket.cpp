@@ -22,7 +22,7 @@ sockaddr_in LoopbackAddress(uint16_t port)
 }
 } // namespace
 
-UniqueFd ListenOnLoopback(uint16_t& port)
+UniqueFd ListenOnLoopback(uint16_t &port)
 {
     UniqueFd fd(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     if (!fd.Valid()) {
@@ -32,13 +32,13 @@ UniqueFd ListenOnLoopback(uint16_t& port)
     int reuse = 1;
     ::setsockopt(fd.Get(), SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof(reuse));
     sockaddr_in address = LoopbackAddress(0);
-    if (::bind(fd.Get(), reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0 ||
+    if (::bind(fd.Get(), reinterpret_cast<sockaddr *>(&address), sizeof(address)) != 0 ||
         ::listen(fd.Get(), SOMAXCONN) != 0) {
         std::fprintf(stderr, "testbed: bind/listen failed: %s\n", std::strerror(errno));
         return {};
     }
     socklen_t length = sizeof(address);
-    if (::getsockname(fd.Get(), reinterpret_cast<sockaddr*>(&address), &length) != 0) {
+    if (::getsockname(fd.Get(), reinterpret_cast<sockaddr *>(&address), &length) != 0) {
         std::fprintf(stderr, "testbed: getsockname failed: %s\n", std::strerror(errno));
         return {};
     }
@@ -53,13 +53,13 @@ UniqueFd ConnectToLoopback(uint16_t port)
         return {};
     }
     sockaddr_in address = LoopbackAddress(port);
-    if (::connect(fd.Get(), reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0) {
+    if (::connect(fd.Get(), reinterpret_cast<sockaddr *>(&address), sizeof(address)) != 0) {
         return {};
     }
     return fd;
 }
 
-bool SendAll(int fd, const char* data, size_t size)
+bool SendAll(int fd, const char *data, size_t size)
 {
     while (size > 0) {
         ssize_t sent = ::send(fd, data, size, MSG_NOSIGNAL);

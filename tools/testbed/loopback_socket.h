@@ -8,13 +8,13 @@
 
 namespace VornTestbed {
 // Listens on 127.0.0.1 with a port the kernel picks; stores it in `port`. Invalid on failure.
-UniqueFd ListenOnLoopback(uint16_t& port);
+UniqueFd ListenOnLoopback(uint16_t &port);
 
 // Connects to 127.0.0.1:port. Invalid on failure.
 UniqueFd ConnectToLoopback(uint16_t port);
 
 // Sends every byte, retrying short writes; false once the peer is gone.
-bool SendAll(int fd, const char* data, size_t size);
+bool SendAll(int fd, const char *data, size_t size);
 
 // True once the peer has shut down its side (or the socket failed), without consuming data.
 bool PeerHasClosed(int fd);

@@ -11,13 +11,8 @@
 
 namespace VornTestbed {
 // Frees an OpenSSL object with the library's own free function, so every handle is a unique_ptr.
-template <auto FreeFunction>
-struct OpenSslDeleter {
-    template <typename T>
-    void operator()(T* handle) const
-    {
-        FreeFunction(handle);
-    }
+template <auto FreeFunction> struct OpenSslDeleter {
+    template <typename T> void operator()(T *handle) const { FreeFunction(handle); }
 };
 
 using SslCtxPtr = std::unique_ptr<SSL_CTX, OpenSslDeleter<SSL_CTX_free>>;

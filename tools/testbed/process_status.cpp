@@ -25,8 +25,8 @@ ProcessStatus ProcessStatus::Read()
         return status;
     }
     text[length] = '\0';
-    auto field = [&text](const char* key) -> size_t {
-        const char* found = std::strstr(text, key);
+    auto field = [&text](const char *key) -> size_t {
+        const char *found = std::strstr(text, key);
         return found == nullptr ? 0 : std::strtoul(found + std::strlen(key), nullptr, DECIMAL);
     };
     status.threads = field("\nThreads:");

@@ -17,22 +17,21 @@ constexpr std::chrono::milliseconds MAX_POLL_WAIT(50);
 // its first bytes leave one RTT after the accept, as they would once the handshake was done.
 // The server learns of the connection when the handshake's last ACK arrives, half an RTT later,
 // and only then can send.
-DelayedPipe::Clock::time_point ServerOpensAt(const PathSettings& settings, DelayedPipe::Clock::time_point acceptedAt)
+DelayedPipe::Clock::time_point ServerOpensAt(const PathSettings &settings, DelayedPipe::Clock::time_point acceptedAt)
 {
     return acceptedAt + settings.rtt + settings.rtt / 2;
 }
 } // namespace
 
-RelayConnection::RelayConnection(int clientFd, UniqueFd upstream, const PathSettings& settings,
+RelayConnection::RelayConnection(int clientFd, UniqueFd upstream, const PathSettings &settings,
     Clock::time_point acceptedAt)
-    : clientFd_(clientFd),
-      upstream_(std::move(upstream)),
+    : clientFd_(clientFd), upstream_(std::move(upstream)),
       toServer_(settings.rtt / 2, settings.bytesPerSecond, acceptedAt + settings.rtt),
       toClient_(settings.rtt / 2, settings.bytesPerSecond, ServerOpensAt(settings, acceptedAt))
 {
 }
 
-bool RelayConnection::Read(int from, DelayedPipe& pipe)
+bool RelayConnection::Read(int from, DelayedPipe &pipe)
 {
     char buffer[READ_CHUNK];
     ssize_t received = ::recv(from, buffer, sizeof(buffer), MSG_DONTWAIT);
@@ -47,7 +46,7 @@ bool RelayConnection::Read(int from, DelayedPipe& pipe)
     return true;
 }
 
-short RelayConnection::Events(const DelayedPipe& input, bool outputBlocked)
+short RelayConnection::Events(const DelayedPipe &input, bool outputBlocked)
 {
     short events = 0;
     if (input.WantsInput()) {
@@ -63,8 +62,8 @@ timespec RelayConnection::PollTimeout(Clock::time_point now) const
 {
     Clock::duration wait = MAX_POLL_WAIT;
     // A blocked pipe's chunk is overdue already; its socket's POLLOUT wakes the loop instead.
-    const std::pair<const DelayedPipe*, bool> pipes[] = {{&toServer_, serverBlocked_}, {&toClient_, clientBlocked_}};
-    for (const auto& [pipe, blocked] : pipes) {
+    const std::pair<const DelayedPipe *, bool> pipes[] = {{&toServer_, serverBlocked_}, {&toClient_, clientBlocked_}};
+    for (const auto &[pipe, blocked] : pipes) {
         std::optional<Clock::time_point> due = pipe->NextDue();
         if (due && !blocked) {
             wait = std::min(wait, std::max(*due - now, Clock::duration::zero()));
@@ -77,7 +76,7 @@ timespec RelayConnection::PollTimeout(Clock::time_point now) const
         static_cast<long>(nanoseconds % NANOSECONDS_PER_SECOND)};
 }
 
-void RelayConnection::Run(const std::atomic<bool>& stopping)
+void RelayConnection::Run(const std::atomic<bool> &stopping)
 {
     const int upstreamFd = upstream_.Get();
     while (!stopping.load(std::memory_order_acquire)) {

@@ -14,7 +14,7 @@ namespace VornTestbed {
 // How a relayed path behaves: its round-trip time and, optionally, a bandwidth per direction.
 struct PathSettings {
     std::chrono::microseconds rtt {0};
-    size_t bytesPerSecond = 0;  // per direction; 0: no limit
+    size_t bytesPerSecond = 0; // per direction; 0: no limit
 };
 
 // Carries one accepted client connection to its upstream connection through two delayed pipes,
@@ -24,13 +24,13 @@ class RelayConnection {
 public:
     using Clock = DelayedPipe::Clock;
 
-    RelayConnection(int clientFd, UniqueFd upstream, const PathSettings& settings, Clock::time_point acceptedAt);
-    void Run(const std::atomic<bool>& stopping);
+    RelayConnection(int clientFd, UniqueFd upstream, const PathSettings &settings, Clock::time_point acceptedAt);
+    void Run(const std::atomic<bool> &stopping);
 
 private:
     // Reads what `from` has into `pipe`; false when the socket failed.
-    static bool Read(int from, DelayedPipe& pipe);
-    static short Events(const DelayedPipe& input, bool outputBlocked);
+    static bool Read(int from, DelayedPipe &pipe);
+    static short Events(const DelayedPipe &input, bool outputBlocked);
     timespec PollTimeout(Clock::time_point now) const;
 
     int clientFd_;

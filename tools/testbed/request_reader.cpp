@@ -11,7 +11,7 @@ constexpr size_t kMaxHeadBytes = 4 * 1024 * 1024;
 constexpr size_t kMaxBodyBytes = 512 * 1024 * 1024;
 constexpr size_t kReadChunk = 64 * 1024;
 
-std::string Trim(const std::string& text)
+std::string Trim(const std::string &text)
 {
     size_t begin = text.find_first_not_of(" \t");
     if (begin == std::string::npos) {
@@ -21,7 +21,7 @@ std::string Trim(const std::string& text)
     return text.substr(begin, end - begin + 1);
 }
 
-bool ParseRequestLine(const std::string& line, HttpRequest& request)
+bool ParseRequestLine(const std::string &line, HttpRequest &request)
 {
     std::istringstream words(line);
     std::string target;
@@ -35,7 +35,7 @@ bool ParseRequestLine(const std::string& line, HttpRequest& request)
     return !request.path.empty();
 }
 
-bool ParseHead(const std::string& head, HttpRequest& request)
+bool ParseHead(const std::string &head, HttpRequest &request)
 {
     size_t lineEnd = head.find("\r\n");
     if (!ParseRequestLine(head.substr(0, lineEnd), request)) {
@@ -54,9 +54,9 @@ bool ParseHead(const std::string& head, HttpRequest& request)
     return true;
 }
 
-bool ParseLength(const std::string& text, size_t& length)
+bool ParseLength(const std::string &text, size_t &length)
 {
-    char* end = nullptr;
+    char *end = nullptr;
     unsigned long long value = std::strtoull(text.c_str(), &end, 10);
     if (text.empty() || *end != '\0' || value > kMaxBodyBytes) {
         return false;
@@ -66,9 +66,9 @@ bool ParseLength(const std::string& text, size_t& length)
 }
 } // namespace
 
-RequestReader::RequestReader(SocketStream& stream) : stream_(stream) {}
+RequestReader::RequestReader(SocketStream &stream) : stream_(stream) {}
 
-RequestReader::Result RequestReader::Next(HttpRequest& request)
+RequestReader::Result RequestReader::Next(HttpRequest &request)
 {
     size_t headEnd = 0;
     Result filled = FillUntilHeadEnd(headEnd);
@@ -88,13 +88,14 @@ RequestReader::Result RequestReader::Next(HttpRequest& request)
     if (contentLength && !ParseLength(*contentLength, length)) {
         return Result::Malformed;
     }
-    if (request.Header("Expect") == "100-continue" && length > 0 && !stream_.WriteAll("HTTP/1.1 100 Continue\r\n\r\n")) {
+    if (request.Header("Expect") == "100-continue" && length > 0 &&
+        !stream_.WriteAll("HTTP/1.1 100 Continue\r\n\r\n")) {
         return Result::Closed;
     }
     return ReadExactly(length, request.body) ? Result::Ok : Result::Closed;
 }
 
-RequestReader::Result RequestReader::FillUntilHeadEnd(size_t& headEnd)
+RequestReader::Result RequestReader::FillUntilHeadEnd(size_t &headEnd)
 {
     char chunk[kReadChunk];
     size_t searchFrom = 0;
@@ -120,7 +121,7 @@ RequestReader::Result RequestReader::FillUntilHeadEnd(size_t& headEnd)
     }
 }
 
-bool RequestReader::ReadExactly(size_t length, std::string& out)
+bool RequestReader::ReadExactly(size_t length, std::string &out)
 {
     size_t fromBuffer = std::min(length, buffer_.size());
     out.assign(buffer_, 0, fromBuffer);

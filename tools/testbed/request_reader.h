@@ -14,14 +14,14 @@ class RequestReader {
 public:
     enum class Result { Ok, Closed, Malformed, TooLarge, Unsupported };
 
-    explicit RequestReader(SocketStream& stream);
-    Result Next(HttpRequest& request);
+    explicit RequestReader(SocketStream &stream);
+    Result Next(HttpRequest &request);
 
 private:
-    Result FillUntilHeadEnd(size_t& headEnd);
-    bool ReadExactly(size_t length, std::string& out);
+    Result FillUntilHeadEnd(size_t &headEnd);
+    bool ReadExactly(size_t length, std::string &out);
 
-    SocketStream& stream_;
+    SocketStream &stream_;
     std::string buffer_;
 };
 } // namespace VornTestbed

@@ -16,9 +16,9 @@ uint64_t ResponseSender::WireBody::Size() const
     return generated ? generatedSize : bytes.size();
 }
 
-ResponseSender::ResponseSender(SocketStream& stream, const StopSignal& stop) : stream_(stream), stop_(stop) {}
+ResponseSender::ResponseSender(SocketStream &stream, const StopSignal &stop) : stream_(stream), stop_(stop) {}
 
-bool ResponseSender::Send(const HttpResponse& response, bool keepAlive)
+bool ResponseSender::Send(const HttpResponse &response, bool keepAlive)
 {
     if (response.delay.count() > 0 && !stop_.SleepFor(response.delay)) {
         return false;
@@ -46,11 +46,11 @@ bool ResponseSender::Send(const HttpResponse& response, bool keepAlive)
         return false;
     }
     bool sent = response.trickleInterval.count() > 0 ? TrickleBody(body, count, response.trickleInterval)
-                                                    : SendBody(body, count);
+                                                     : SendBody(body, count);
     return sent && keepAlive;
 }
 
-bool ResponseSender::PrepareBody(const HttpResponse& response, WireBody& body) const
+bool ResponseSender::PrepareBody(const HttpResponse &response, WireBody &body) const
 {
     if (!response.gzip) {
         body.bytes = response.body;
@@ -79,11 +79,11 @@ bool ResponseSender::PrepareBody(const HttpResponse& response, WireBody& body) c
     return true;
 }
 
-std::string ResponseSender::Head(const HttpResponse& response, uint64_t contentLength, bool keepAlive) const
+std::string ResponseSender::Head(const HttpResponse &response, uint64_t contentLength, bool keepAlive) const
 {
     std::string head = "HTTP/1.1 " + std::to_string(response.status) + " " +
         (response.reason.empty() ? ReasonPhrase(response.status) : response.reason) + "\r\n";
-    for (const auto& line : response.headerLines) {
+    for (const auto &line : response.headerLines) {
         head += line;
         head += "\r\n";
     }
@@ -98,7 +98,7 @@ std::string ResponseSender::Head(const HttpResponse& response, uint64_t contentL
     return head;
 }
 
-bool ResponseSender::SendBody(const WireBody& body, uint64_t count)
+bool ResponseSender::SendBody(const WireBody &body, uint64_t count)
 {
     if (!body.generated) {
         return stream_.WriteAll(body.bytes.data(), static_cast<size_t>(count));
@@ -114,7 +114,7 @@ bool ResponseSender::SendBody(const WireBody& body, uint64_t count)
     return true;
 }
 
-bool ResponseSender::TrickleBody(const WireBody& body, uint64_t count, std::chrono::milliseconds interval)
+bool ResponseSender::TrickleBody(const WireBody &body, uint64_t count, std::chrono::milliseconds interval)
 {
     for (uint64_t offset = 0; offset < count; ++offset) {
         if (offset > 0 && !stop_.SleepFor(interval)) {

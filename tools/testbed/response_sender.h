@@ -15,10 +15,10 @@ namespace VornTestbed {
 // generated body) to a connection. Every wait ends early when the server stops.
 class ResponseSender {
 public:
-    ResponseSender(SocketStream& stream, const StopSignal& stop);
+    ResponseSender(SocketStream &stream, const StopSignal &stop);
 
     // True when the response went out whole and the connection may serve another request.
-    bool Send(const HttpResponse& response, bool keepAlive);
+    bool Send(const HttpResponse &response, bool keepAlive);
 
 private:
     // The bytes after the head: held (maybe compressed) or generated while sending.
@@ -32,15 +32,15 @@ private:
         uint64_t Size() const;
     };
 
-    bool PrepareBody(const HttpResponse& response, WireBody& body) const;
-    std::string Head(const HttpResponse& response, uint64_t contentLength, bool keepAlive) const;
-    bool SendBody(const WireBody& body, uint64_t count);
-    bool TrickleBody(const WireBody& body, uint64_t count, std::chrono::milliseconds interval);
+    bool PrepareBody(const HttpResponse &response, WireBody &body) const;
+    std::string Head(const HttpResponse &response, uint64_t contentLength, bool keepAlive) const;
+    bool SendBody(const WireBody &body, uint64_t count);
+    bool TrickleBody(const WireBody &body, uint64_t count, std::chrono::milliseconds interval);
     // Holds the connection until the client leaves or the server stops.
     void StallUntilDone();
 
-    SocketStream& stream_;
-    const StopSignal& stop_;
+    SocketStream &stream_;
+    const StopSignal &stop_;
 };
 } // namespace VornTestbed
 

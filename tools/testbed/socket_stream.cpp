@@ -20,7 +20,7 @@ bool SocketStream::Handshake()
     return !ssl_ || SSL_accept(ssl_.get()) == 1;
 }
 
-size_t SocketStream::Read(char* buffer, size_t size)
+size_t SocketStream::Read(char *buffer, size_t size)
 {
     int chunk = static_cast<int>(size > INT_MAX ? INT_MAX : size);
     if (ssl_) {
@@ -36,7 +36,7 @@ size_t SocketStream::Read(char* buffer, size_t size)
     }
 }
 
-bool SocketStream::WriteAll(const char* data, size_t size)
+bool SocketStream::WriteAll(const char *data, size_t size)
 {
     if (!ssl_) {
         return SendAll(fd_, data, size);
@@ -53,7 +53,7 @@ bool SocketStream::WriteAll(const char* data, size_t size)
     return true;
 }
 
-bool SocketStream::WriteAll(const std::string& data)
+bool SocketStream::WriteAll(const std::string &data)
 {
     return WriteAll(data.data(), data.size());
 }
@@ -70,7 +70,7 @@ std::string SocketStream::TlsVersion() const
 
 std::string SocketStream::ServerName() const
 {
-    const char* name = ssl_ ? SSL_get_servername(ssl_.get(), TLSEXT_NAMETYPE_host_name) : nullptr;
+    const char *name = ssl_ ? SSL_get_servername(ssl_.get(), TLSEXT_NAMETYPE_host_name) : nullptr;
     return name != nullptr ? name : "";
 }
 } // namespace VornTestbed

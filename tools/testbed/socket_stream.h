@@ -17,9 +17,9 @@ public:
     // Runs the server side of the TLS handshake; true at once for plain HTTP.
     bool Handshake();
     // Bytes read into `buffer`, 0 at end of stream or on error.
-    size_t Read(char* buffer, size_t size);
-    bool WriteAll(const char* data, size_t size);
-    bool WriteAll(const std::string& data);
+    size_t Read(char *buffer, size_t size);
+    bool WriteAll(const char *data, size_t size);
+    bool WriteAll(const std::string &data);
     bool PeerHasClosed() const;
 
     std::string TlsVersion() const;

@@ -53,14 +53,14 @@ void TcpAcceptor::Stop()
     std::list<std::unique_ptr<Connection>> remaining;
     {
         std::lock_guard<std::mutex> lock(mutex_);
-        for (auto& connection : connections_) {
+        for (auto &connection : connections_) {
             if (connection->fd.Valid()) {
                 ::shutdown(connection->fd.Get(), SHUT_RDWR);
             }
         }
         remaining.swap(connections_);
     }
-    for (auto& connection : remaining) {
+    for (auto &connection : remaining) {
         connection->thread.join();
     }
     listenFd_.Reset();
@@ -107,17 +107,17 @@ void TcpAcceptor::Launch(UniqueFd fd)
     }
     auto connection = std::make_unique<Connection>();
     connection->fd = std::move(fd);
-    Connection& entry = *connection;
+    Connection &entry = *connection;
     try {
         entry.thread = std::thread([this, &entry] { Serve(entry); });
-    } catch (const std::system_error& error) {
+    } catch (const std::system_error &error) {
         std::fprintf(stderr, "testbed: no thread for a connection: %s\n", error.what());
         return;
     }
     connections_.push_back(std::move(connection));
 }
 
-void TcpAcceptor::Serve(Connection& connection)
+void TcpAcceptor::Serve(Connection &connection)
 {
     // The socket cannot be closed under us: Stop() only shuts it down, and it is closed here
     // under the lock, so a concurrent Stop() never touches a reused descriptor number.

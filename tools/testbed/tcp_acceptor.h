@@ -22,8 +22,8 @@ public:
 
     TcpAcceptor() = default;
     ~TcpAcceptor();
-    TcpAcceptor(const TcpAcceptor&) = delete;
-    TcpAcceptor& operator=(const TcpAcceptor&) = delete;
+    TcpAcceptor(const TcpAcceptor &) = delete;
+    TcpAcceptor &operator=(const TcpAcceptor &) = delete;
 
     // Binds an ephemeral port and starts accepting; false (with a message on stderr) on failure.
     bool Start(ConnectionHandler handler);
@@ -39,7 +39,7 @@ private:
 
     void AcceptLoop();
     void Launch(UniqueFd fd);
-    void Serve(Connection& connection);
+    void Serve(Connection &connection);
     void JoinFinishedLocked();
 
     ConnectionHandler handler_;

@@ -12,7 +12,7 @@
 namespace VornTestbed {
 TempDir::TempDir()
 {
-    const char* base = std::getenv("TMPDIR");
+    const char *base = std::getenv("TMPDIR");
     std::string pattern = std::string(base != nullptr && *base != '\0' ? base : "/tmp") + "/vorn-testbed-XXXXXX";
     std::vector<char> buffer(pattern.begin(), pattern.end());
     buffer.push_back('\0');
@@ -28,17 +28,17 @@ TempDir::~TempDir()
     std::filesystem::remove_all(path_, ignored);
 }
 
-const std::string& TempDir::Path() const
+const std::string &TempDir::Path() const
 {
     return path_;
 }
 
-std::string TempDir::Path(const std::string& relative) const
+std::string TempDir::Path(const std::string &relative) const
 {
     return path_ + "/" + relative;
 }
 
-std::string TempDir::WriteFile(const std::string& relative, const std::string& content) const
+std::string TempDir::WriteFile(const std::string &relative, const std::string &content) const
 {
     std::filesystem::path file = Path(relative);
     std::error_code error;

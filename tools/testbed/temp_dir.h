@@ -10,14 +10,14 @@ class TempDir {
 public:
     TempDir();
     ~TempDir();
-    TempDir(const TempDir&) = delete;
-    TempDir& operator=(const TempDir&) = delete;
+    TempDir(const TempDir &) = delete;
+    TempDir &operator=(const TempDir &) = delete;
 
-    const std::string& Path() const;
+    const std::string &Path() const;
     // Absolute path of `relative` inside the directory.
-    std::string Path(const std::string& relative) const;
+    std::string Path(const std::string &relative) const;
     // Writes `content` to `relative`, creating parent directories; returns the absolute path.
-    std::string WriteFile(const std::string& relative, const std::string& content) const;
+    std::string WriteFile(const std::string &relative, const std::string &content) const;
 
 private:
     std::string path_;

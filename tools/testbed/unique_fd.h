@@ -9,31 +9,22 @@ class UniqueFd {
 public:
     UniqueFd() = default;
     explicit UniqueFd(int fd) : fd_(fd) {}
-    ~UniqueFd()
-    {
-        Reset();
-    }
+    ~UniqueFd() { Reset(); }
 
-    UniqueFd(UniqueFd&& other) noexcept : fd_(other.Release()) {}
-    UniqueFd& operator=(UniqueFd&& other) noexcept
+    UniqueFd(UniqueFd &&other) noexcept : fd_(other.Release()) {}
+    UniqueFd &operator=(UniqueFd &&other) noexcept
     {
         if (this != &other) {
             Reset(other.Release());
         }
         return *this;
     }
-    UniqueFd(const UniqueFd&) = delete;
-    UniqueFd& operator=(const UniqueFd&) = delete;
+    UniqueFd(const UniqueFd &) = delete;
+    UniqueFd &operator=(const UniqueFd &) = delete;
 
-    int Get() const
-    {
-        return fd_;
-    }
+    int Get() const { return fd_; }
 
-    bool Valid() const
-    {
-        return fd_ >= 0;
-    }
+    bool Valid() const { return fd_ >= 0; }
 
     int Release()
     {

@@ -79,10 +79,7 @@ public:
     }
 
 private:
-    std::string PayloadName() const
-    {
-        return line_.command == Command::REQUEST ? "REQUEST" : "EVENT";
-    }
+    std::string PayloadName() const { return line_.command == Command::REQUEST ? "REQUEST" : "EVENT"; }
 
     // Accepts "--name value" and "--name=value".
     std::optional<std::string> Value(const std::string &name, const std::optional<std::string> &inlineValue)

@@ -16,24 +16,24 @@ enum class CallerKind { NATIVE, SYSTEM_APP, APP };
 // What the command line asks for, with every default already applied.
 struct CommandLine {
     Command command = Command::HELP;
-    std::vector<std::string> payloads;      // REQUESTs (one or more) or the EVENT as given: text, @FILE or -
+    std::vector<std::string> payloads; // REQUESTs (one or more) or the EVENT as given: text, @FILE or -
     std::optional<std::string> root;
     CallerKind caller = CallerKind::NATIVE;
     pid_t uid = 0;
-    std::optional<std::string> descriptor;  // empty: the service's own
+    std::optional<std::string> descriptor; // empty: the service's own
     uint32_t code = 0;
     bool noCallback = false;
     bool collectAll = false;
-    bool dumpAfter = false;                 // request --dump: the service's dump after the responses
+    bool dumpAfter = false; // request --dump: the service's dump after the responses
     std::chrono::milliseconds wait {0};
-    std::optional<std::string> library;     // empty: the one built beside the tool
-    std::chrono::milliseconds demoRtt {0};  // demo: round-trip time a relay adds; 0: no relay
-    std::vector<std::string> dumpArgs;      // dump: the arguments handed to the service's dump
+    std::optional<std::string> library; // empty: the one built beside the tool
+    std::chrono::milliseconds demoRtt {0}; // demo: round-trip time a relay adds; 0: no relay
+    std::vector<std::string> dumpArgs; // dump: the arguments handed to the service's dump
 };
 
 struct ParsedCommandLine {
     std::optional<CommandLine> commandLine;
-    std::string error;  // one line saying what is wrong, when commandLine is empty
+    std::string error; // one line saying what is wrong, when commandLine is empty
 };
 
 // `args` are the arguments after the program name.

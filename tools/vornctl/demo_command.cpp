@@ -17,11 +17,11 @@
 #include <nlohmann/json.hpp>
 
 #include "demo_stage.h"
+#include "dump_command.h"
 #include "exit_status.h"
 #include "ffrt_host.h"
 #include "i_vorn_sa_interface.h"
 #include "response_collector.h"
-#include "dump_command.h"
 #include "service_session.h"
 
 namespace Vornctl {
@@ -140,8 +140,7 @@ void PrintSetUp(const DemoStage &stage, const std::string &libraryPath)
                     "    connection's TCP handshake\n",
             static_cast<long long>(stage.Rtt().count()));
     }
-    std::printf("  the service library %s, loaded with dlopen; system ability 66054 started\n\n",
-        libraryPath.c_str());
+    std::printf("  the service library %s, loaded with dlopen; system ability 66054 started\n\n", libraryPath.c_str());
 }
 
 CallResult Call(ServiceSession &session, const std::string &request, const ResponseCollector &collector)
@@ -231,8 +230,10 @@ std::vector<Moment> Timeline(const DemoStage &stage, const std::vector<Arrival> 
     for (size_t i = 0; i < arrivals.size(); ++i) {
         nlohmann::json response = ParseOrNull(arrivals[i].text);
         std::string endpoint = EndpointOf(response);
-        Moment moment {arrivals[i].at, "response " + std::to_string(i + 1) + " through the callback: code " +
-            std::to_string(CodeOf(response)) + (endpoint.empty() ? "" : ", from the " + endpoint + " URL"), {}};
+        Moment moment {arrivals[i].at,
+            "response " + std::to_string(i + 1) + " through the callback: code " + std::to_string(CodeOf(response)) +
+                (endpoint.empty() ? "" : ", from the " + endpoint + " URL"),
+            {}};
         if (i > 0 && endpoint == DemoStage::Name(DemoEndpoint::STALLING)) {
             moment.note = "the overtaken attempt was never cancelled: it answered too, late";
         }

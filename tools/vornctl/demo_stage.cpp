@@ -73,11 +73,12 @@ void DemoStage::Serve(DemoEndpoint endpoint)
 
 void DemoStage::WriteConfiguration() const
 {
-    nlohmann::json serverConfig = {{"qel_server", {
-        {"qel_base_url", {BaseUrl(DemoEndpoint::STALLING), BaseUrl(DemoEndpoint::ANSWERING)}},
-        {"qel_query_endpoint", QUERY_ENDPOINT},
-        {"qel_query_timeout", 9000},
-    }}};
+    nlohmann::json serverConfig = {{"qel_server",
+        {
+            {"qel_base_url", {BaseUrl(DemoEndpoint::STALLING), BaseUrl(DemoEndpoint::ANSWERING)}},
+            {"qel_query_endpoint", QUERY_ENDPOINT},
+            {"qel_query_timeout", 9000},
+        }}};
     folder_.WriteFile(std::string(CONFIG_DIR) + "qel_sdk_server_config.json", serverConfig.dump(4) + "\n");
     nlohmann::json omsaConfig = {{"collect_url", ServerUrl() + "/collect"}};
     folder_.WriteFile(std::string(CONFIG_DIR) + "omsa_config.json", omsaConfig.dump(4) + "\n");

@@ -19,7 +19,7 @@ enum class DemoEndpoint { STALLING, ANSWERING };
 // One request as the demo's server saw it arrive.
 struct ServerVisit {
     DemoEndpoint endpoint;
-    std::string url;  // as requested, with the query text
+    std::string url; // as requested, with the query text
     std::chrono::steady_clock::time_point at;
 };
 
@@ -46,12 +46,12 @@ public:
     std::chrono::milliseconds Rtt() const;
 
     const std::string &Folder() const;
-    std::string RootFolder() const;  // the folder to run the service in
+    std::string RootFolder() const; // the folder to run the service in
     std::string CaFile() const;
-    std::string LogFile() const;     // where the service's log goes, out of the demo's output
+    std::string LogFile() const; // where the service's log goes, out of the demo's output
     std::string ServerUrl() const;
-    std::string BaseUrl(DemoEndpoint endpoint) const;  // as the server configuration names it
-    std::string Path(DemoEndpoint endpoint) const;     // the server path the service requests
+    std::string BaseUrl(DemoEndpoint endpoint) const; // as the server configuration names it
+    std::string Path(DemoEndpoint endpoint) const; // the server path the service requests
     std::vector<ServerVisit> Visits() const;
 
 private:

@@ -9,8 +9,8 @@
 #include "exit_status.h"
 #include "ffrt_host.h"
 #include "ipc_host.h"
-#include "response_printer.h"
 #include "response_collector.h"
+#include "response_printer.h"
 
 namespace Vornctl {
 namespace {
@@ -32,8 +32,7 @@ int ExitStatusFor(const std::vector<std::string> &responses)
     if (responses.empty()) {
         return EXIT_NO_RESPONSE;
     }
-    return std::any_of(responses.begin(), responses.end(), IsSuccess) ? EXIT_SUCCESS_RESPONSE
-                                                                       : EXIT_FAILURE_RESPONSES;
+    return std::any_of(responses.begin(), responses.end(), IsSuccess) ? EXIT_SUCCESS_RESPONSE : EXIT_FAILURE_RESPONSES;
 }
 
 std::chrono::milliseconds Left(std::chrono::steady_clock::time_point deadline)

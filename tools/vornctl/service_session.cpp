@@ -39,9 +39,8 @@ std::string ServiceSession::DefaultLibraryPath()
 
 ServiceSession::ServiceSession(OHOS::sptr<OHOS::IRemoteObject> service) : service_(service), raw_(std::move(service)) {}
 
-CallResult ServiceSession::Request(const HostPlatform::CallerIdentity &caller,
-    const std::string &paramStr, const OHOS::sptr<OHOS::IRemoteObject> &callback, const std::u16string &descriptor,
-    uint32_t code) const
+CallResult ServiceSession::Request(const HostPlatform::CallerIdentity &caller, const std::string &paramStr,
+    const OHOS::sptr<OHOS::IRemoteObject> &callback, const std::u16string &descriptor, uint32_t code) const
 {
     HostPlatform::ScopedCallerIdentity identity(caller);
     return raw_.Request(paramStr, callback, descriptor, code);

@@ -26,10 +26,7 @@ public:
 
     virtual void PostTaskDelay(std::function<void()> task, const std::string &taskName, long delayMs) = 0;
 
-    virtual void RemoveTask(const std::string &taskName)
-    {
-        (void)taskName;
-    }
+    virtual void RemoveTask(const std::string &taskName) { (void)taskName; }
 
     // Runs `func` as a named task and hands back the future of its result. Waiting on that future
     // from a task suspends the task and frees its worker for others, the awaited task included.

@@ -37,7 +37,7 @@ ffrt_function_header_t *WrapFunction(std::function<void()> &&closure, ffrt_funct
     if (memory == nullptr) {
         return nullptr;
     }
-    auto *storage = new (memory) FunctionStorage{{ExecFunction, DestroyFunction, {0, 0}}, std::move(closure)};
+    auto *storage = new (memory) FunctionStorage {{ExecFunction, DestroyFunction, {0, 0}}, std::move(closure)};
     return &storage->header;
 }
 
@@ -49,42 +49,27 @@ public:
         ffrt_task_attr_set_name(&attr_, firstName);
         ffrt_task_attr_set_name(&attr_, taskName.c_str());
     }
-    ~TaskAttr()
-    {
-        ffrt_task_attr_destroy(&attr_);
-    }
+    ~TaskAttr() { ffrt_task_attr_destroy(&attr_); }
     TaskAttr(const TaskAttr &) = delete;
     TaskAttr &operator=(const TaskAttr &) = delete;
 
-    ffrt_task_attr_t *Get()
-    {
-        return &attr_;
-    }
+    ffrt_task_attr_t *Get() { return &attr_; }
 
 private:
-    ffrt_task_attr_t attr_{};
+    ffrt_task_attr_t attr_ {};
 };
 
 class QueueAttr {
 public:
-    QueueAttr()
-    {
-        ffrt_queue_attr_init(&attr_);
-    }
-    ~QueueAttr()
-    {
-        ffrt_queue_attr_destroy(&attr_);
-    }
+    QueueAttr() { ffrt_queue_attr_init(&attr_); }
+    ~QueueAttr() { ffrt_queue_attr_destroy(&attr_); }
     QueueAttr(const QueueAttr &) = delete;
     QueueAttr &operator=(const QueueAttr &) = delete;
 
-    ffrt_queue_attr_t *Get()
-    {
-        return &attr_;
-    }
+    ffrt_queue_attr_t *Get() { return &attr_; }
 
 private:
-    ffrt_queue_attr_t attr_{};
+    ffrt_queue_attr_t attr_ {};
 };
 } // namespace
 
@@ -184,10 +169,7 @@ public:
         state_.waiting.fetch_sub(1, std::memory_order_relaxed);
         state_.running.fetch_add(1, std::memory_order_relaxed);
     }
-    ~RunningTask()
-    {
-        state_.running.fetch_sub(1, std::memory_order_relaxed);
-    }
+    ~RunningTask() { state_.running.fetch_sub(1, std::memory_order_relaxed); }
     RunningTask(const RunningTask &) = delete;
     RunningTask &operator=(const RunningTask &) = delete;
 
@@ -209,8 +191,7 @@ void FFRTExecutor::RunTask(const std::function<void()> &task, const std::string 
     RunAndForget(task, taskName, *state_);
 }
 
-void FFRTExecutor::RunAndForget(const std::function<void()> &task, const std::string &taskName,
-    TaskState &state)
+void FFRTExecutor::RunAndForget(const std::function<void()> &task, const std::string &taskName, TaskState &state)
 {
     VORN_COMMON_LOGI("start. taskName:%{public}s", taskName.c_str());
     task();

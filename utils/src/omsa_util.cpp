@@ -32,7 +32,7 @@ constexpr const char *KIT_UID_KEY = "kitUid";
 const std::string SERVICE_TAG = "vorn_service";
 // Set with release once the set-up succeeded, read with acquire: whoever sees it set also sees
 // the report executor made before it.
-std::atomic<bool> g_inited{false};
+std::atomic<bool> g_inited {false};
 std::mutex g_setupLock;
 // Written only under the set-up lock and never after g_inited is set; read outside the lock
 // only after g_inited was seen set.
@@ -109,9 +109,9 @@ void OMSAUtil::OnOmsaEvent(std::string eventId, std::string content)
     VORN_LOGI("OmsaClientCoreInnerApi OnOmsaEvent, eventid:%{public}s, content:%{private}s, kvCount:%{public}lu",
         eventId.c_str(), content.c_str(), static_cast<unsigned long>(eventData.size()));
     // The executor exists: it is created before the set-up can succeed and is never dropped.
-    g_reportExecutor->PostTaskDelay([eventId = std::move(eventId), eventData = std::move(eventData)]() {
-        OnEvent(eventId, eventData);
-    }, "", 0);
+    g_reportExecutor->PostTaskDelay([eventId = std::move(eventId),
+                                        eventData = std::move(eventData)]() { OnEvent(eventId, eventData); },
+        "", 0);
 }
 
 void OMSAUtil::OnEvent(std::string eventId, std::unordered_map<std::string, std::string> eventData)

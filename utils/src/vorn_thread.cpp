@@ -29,8 +29,8 @@ std::vector<VornThread::PoolStatus> VornThread::PoolStatuses()
 {
     std::lock_guard<std::mutex> lock(poolLock_);
     std::vector<PoolStatus> statuses;
-    for (const auto &[pool, name] : {std::make_pair(binderPool_, BINDER_POOL_NAME),
-             std::make_pair(httpPool_, HTTP_POOL_NAME)}) {
+    for (const auto &[pool, name] :
+        {std::make_pair(binderPool_, BINDER_POOL_NAME), std::make_pair(httpPool_, HTTP_POOL_NAME)}) {
         auto executor = std::dynamic_pointer_cast<FFRTExecutor>(pool);
         if (executor != nullptr) {
             statuses.push_back({name, executor->TasksRunning(), executor->TasksWaiting()});

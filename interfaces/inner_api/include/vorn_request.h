@@ -18,15 +18,15 @@ struct VornRequest {
         std::string password;
     };
 
-    std::vector<std::string> baseUrls;       // candidates, tried in this order; none: the routing service's
+    std::vector<std::string> baseUrls; // candidates, tried in this order; none: the routing service's
     std::vector<std::string> requestHeaders; // complete header lines, e.g. "Content-Type: application/json"
-    std::string queryHeaders;                // query text appended after "?"
-    std::vector<std::string> requestBody;    // service names, posted as {"services": [...]}
-    std::string caFile;                      // CA certificate file; empty: the device's default store
-    std::string interfaceName;               // local network interface to bind to
+    std::string queryHeaders; // query text appended after "?"
+    std::vector<std::string> requestBody; // service names, posted as {"services": [...]}
+    std::string caFile; // CA certificate file; empty: the device's default store
+    std::string interfaceName; // local network interface to bind to
     std::string appVersion;
-    std::string saType;                      // "gns" turns off the routing service and the query text
-    int32_t requestTimeOut = 0;              // carried to the service, which keeps its own limits
+    std::string saType; // "gns" turns off the routing service and the query text
+    int32_t requestTimeOut = 0; // carried to the service, which keeps its own limits
     Proxy proxy;
 
     // The request JSON text, compact. Strings must be UTF-8; anything else yields "".

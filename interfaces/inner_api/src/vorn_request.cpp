@@ -7,8 +7,7 @@
 namespace OHOS {
 namespace Vorn {
 namespace {
-template <typename Value>
-void PutUnlessEmpty(nlohmann::json &object, const char *key, const Value &value)
+template <typename Value> void PutUnlessEmpty(nlohmann::json &object, const char *key, const Value &value)
 {
     if (!value.empty()) {
         object[key] = value;

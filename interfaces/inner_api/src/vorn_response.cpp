@@ -6,8 +6,7 @@ namespace OHOS {
 namespace Vorn {
 namespace {
 // A missing key keeps the field's default, so that a response without "header" (say) is still read.
-template <typename Value>
-void Read(const nlohmann::json &object, const char *key, Value &field)
+template <typename Value> void Read(const nlohmann::json &object, const char *key, Value &field)
 {
     auto it = object.find(key);
     if (it != object.end()) {

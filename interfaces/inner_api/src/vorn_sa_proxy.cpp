@@ -55,8 +55,8 @@ int32_t VornSAProxy::Send(VornInterfaceCode code, MessageParcel &data)
     MessageOption option;
     int result = remote->SendRequest(static_cast<uint32_t>(code), data, reply, option);
     if (result != ERR_NONE) {
-        VORN_LOGE("VornSAProxy SendRequest code %{public}u failed, error code: %{public}d",
-            static_cast<uint32_t>(code), result);
+        VORN_LOGE("VornSAProxy SendRequest code %{public}u failed, error code: %{public}d", static_cast<uint32_t>(code),
+            result);
         return result;
     }
     int32_t serviceCode = 0;

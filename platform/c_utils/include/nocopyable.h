@@ -2,16 +2,16 @@
 #define UTILS_BASE_NOCOPYABLE_H
 
 namespace OHOS {
-#define DISALLOW_COPY_AND_MOVE(className) \
-    DISALLOW_COPY(className);             \
+#define DISALLOW_COPY_AND_MOVE(className)                                                                              \
+    DISALLOW_COPY(className);                                                                                          \
     DISALLOW_MOVE(className)
 
-#define DISALLOW_COPY(className)              \
-    className(const className &) = delete;    \
+#define DISALLOW_COPY(className)                                                                                       \
+    className(const className &) = delete;                                                                             \
     className &operator=(const className &) = delete
 
-#define DISALLOW_MOVE(className)         \
-    className(className &&) = delete;    \
+#define DISALLOW_MOVE(className)                                                                                       \
+    className(className &&) = delete;                                                                                  \
     className &operator=(className &&) = delete
 
 class NoCopyable {

@@ -48,8 +48,7 @@ public:
     bool ReadString16Vector(std::vector<std::u16string> *val);
 
 private:
-    template <typename T>
-    bool ReadAligned(T &value);
+    template <typename T> bool ReadAligned(T &value);
     bool EnsureWritable(size_t size);
     bool SetDataCapacity(size_t newCapacity);
     bool WriteBufferAddTerminator(const void *data, size_t size, size_t typeSize);

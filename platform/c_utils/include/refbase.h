@@ -45,11 +45,11 @@ private:
     friend class RefBase;
     ~RefCounter() = default;
 
-    std::atomic<int> refCount_{0};
-    std::atomic<int> atomicStrong_{INITIAL_PRIMARY_VALUE};
-    std::atomic<int> atomicWeak_{0};
-    std::atomic<bool> lifetimeExtended_{false};
-    std::atomic<RefBase *> owner_{nullptr};
+    std::atomic<int> refCount_ {0};
+    std::atomic<int> atomicStrong_ {INITIAL_PRIMARY_VALUE};
+    std::atomic<int> atomicWeak_ {0};
+    std::atomic<bool> lifetimeExtended_ {false};
+    std::atomic<RefBase *> owner_ {nullptr};
 };
 
 // One weak handle on an object, shared by the copies of a wptr.
@@ -67,7 +67,7 @@ public:
 private:
     ~WeakRefCounter();
 
-    std::atomic<int> atomicWeak_{0};
+    std::atomic<int> atomicWeak_ {0};
     RefCounter *refCounter_;
     void *cookie_;
 };
@@ -110,11 +110,9 @@ private:
     RefCounter *refs_;
 };
 
-template <typename T>
-class wptr;
+template <typename T> class wptr;
 
-template <typename T>
-class sptr {
+template <typename T> class sptr {
 public:
     sptr() = default;
 
@@ -127,39 +125,23 @@ public:
 
     sptr(const sptr<T> &other) : sptr(other.GetRefPtr()) {}
 
-    sptr(sptr<T> &&other) noexcept : refs_(other.refs_)
-    {
-        other.refs_ = nullptr;
-    }
+    sptr(sptr<T> &&other) noexcept : refs_(other.refs_) { other.refs_ = nullptr; }
 
-    template <typename O>
-    sptr(const sptr<O> &other) : sptr(other.GetRefPtr())
-    {
-    }
+    template <typename O> sptr(const sptr<O> &other) : sptr(other.GetRefPtr()) {}
 
     // Adopts the strong reference that a successful promotion already took.
     sptr(WeakRefCounter *p, bool /* force */) : refs_(p != nullptr ? static_cast<T *>(p->GetRefPtr()) : nullptr) {}
 
-    ~sptr()
-    {
-        clear();
-    }
+    ~sptr() { clear(); }
 
-    template <typename... Args>
-    static inline sptr<T> MakeSptr(Args &&...args)
+    template <typename... Args> static inline sptr<T> MakeSptr(Args &&...args)
     {
         return sptr<T>(new T(std::forward<Args>(args)...));
     }
 
-    T *GetRefPtr() const
-    {
-        return refs_;
-    }
+    T *GetRefPtr() const { return refs_; }
 
-    void ForceSetRefPtr(T *other)
-    {
-        refs_ = other;
-    }
+    void ForceSetRefPtr(T *other) { refs_ = other; }
 
     void clear()
     {
@@ -170,25 +152,13 @@ public:
         }
     }
 
-    operator T *() const
-    {
-        return refs_;
-    }
+    operator T *() const { return refs_; }
 
-    explicit operator bool() const
-    {
-        return refs_ != nullptr;
-    }
+    explicit operator bool() const { return refs_ != nullptr; }
 
-    T &operator*() const
-    {
-        return *refs_;
-    }
+    T &operator*() const { return *refs_; }
 
-    T *operator->() const
-    {
-        return refs_;
-    }
+    T *operator->() const { return refs_; }
 
     sptr<T> &operator=(T *other)
     {
@@ -203,10 +173,7 @@ public:
         return *this;
     }
 
-    sptr<T> &operator=(const sptr<T> &other)
-    {
-        return operator=(other.GetRefPtr());
-    }
+    sptr<T> &operator=(const sptr<T> &other) { return operator=(other.GetRefPtr()); }
 
     sptr<T> &operator=(sptr<T> &&other) noexcept
     {
@@ -218,75 +185,37 @@ public:
         return *this;
     }
 
-    sptr<T> &operator=(const wptr<T> &other)
-    {
-        return operator=(other.promote());
-    }
+    sptr<T> &operator=(const wptr<T> &other) { return operator=(other.promote()); }
 
-    template <typename O>
-    sptr<T> &operator=(const sptr<O> &other)
-    {
-        return operator=(other.GetRefPtr());
-    }
+    template <typename O> sptr<T> &operator=(const sptr<O> &other) { return operator=(other.GetRefPtr()); }
 
     // The overloads for T*, const T* and nullptr keep comparisons with raw pointers from being
     // ambiguous against the built-in comparison reached through operator T*().
-    bool operator==(T *other) const
-    {
-        return refs_ == other;
-    }
+    bool operator==(T *other) const { return refs_ == other; }
 
-    bool operator!=(T *other) const
-    {
-        return refs_ != other;
-    }
+    bool operator!=(T *other) const { return refs_ != other; }
 
-    bool operator==(const T *other) const
-    {
-        return refs_ == other;
-    }
+    bool operator==(const T *other) const { return refs_ == other; }
 
-    bool operator!=(const T *other) const
-    {
-        return refs_ != other;
-    }
+    bool operator!=(const T *other) const { return refs_ != other; }
 
-    bool operator==(std::nullptr_t) const
-    {
-        return refs_ == nullptr;
-    }
+    bool operator==(std::nullptr_t) const { return refs_ == nullptr; }
 
-    bool operator!=(std::nullptr_t) const
-    {
-        return refs_ != nullptr;
-    }
+    bool operator!=(std::nullptr_t) const { return refs_ != nullptr; }
 
-    bool operator==(const sptr<T> &other) const
-    {
-        return refs_ == other.GetRefPtr();
-    }
+    bool operator==(const sptr<T> &other) const { return refs_ == other.GetRefPtr(); }
 
-    bool operator!=(const sptr<T> &other) const
-    {
-        return refs_ != other.GetRefPtr();
-    }
+    bool operator!=(const sptr<T> &other) const { return refs_ != other.GetRefPtr(); }
 
-    bool operator==(const wptr<T> &other) const
-    {
-        return refs_ == other.GetRefPtr();
-    }
+    bool operator==(const wptr<T> &other) const { return refs_ == other.GetRefPtr(); }
 
-    bool operator!=(const wptr<T> &other) const
-    {
-        return refs_ != other.GetRefPtr();
-    }
+    bool operator!=(const wptr<T> &other) const { return refs_ != other.GetRefPtr(); }
 
 private:
     T *refs_ = nullptr;
 };
 
-template <typename T>
-class wptr {
+template <typename T> class wptr {
 public:
     wptr() = default;
 
@@ -302,20 +231,11 @@ public:
     wptr(const sptr<T> &other) : refs_(Attach(other.GetRefPtr())) {}
 
     // The pointer conversion reads the object, so it must still be alive (as on the device).
-    template <typename O>
-    wptr(const wptr<O> &other) : refs_(Attach(other.GetRefPtr()))
-    {
-    }
+    template <typename O> wptr(const wptr<O> &other) : refs_(Attach(other.GetRefPtr())) {}
 
-    template <typename O>
-    wptr(const sptr<O> &other) : refs_(Attach(other.GetRefPtr()))
-    {
-    }
+    template <typename O> wptr(const sptr<O> &other) : refs_(Attach(other.GetRefPtr())) {}
 
-    ~wptr()
-    {
-        Release();
-    }
+    ~wptr() { Release(); }
 
     wptr<T> &operator=(T *other)
     {
@@ -335,56 +255,26 @@ public:
         return *this;
     }
 
-    wptr<T> &operator=(const sptr<T> &other)
-    {
-        return operator=(other.GetRefPtr());
-    }
+    wptr<T> &operator=(const sptr<T> &other) { return operator=(other.GetRefPtr()); }
 
-    T &operator*() const
-    {
-        return *GetRefPtr();
-    }
+    T &operator*() const { return *GetRefPtr(); }
 
-    T *operator->() const
-    {
-        return GetRefPtr();
-    }
+    T *operator->() const { return GetRefPtr(); }
 
     // The raw pointer, even after the object died; only promote() tells whether it is alive.
-    T *GetRefPtr() const
-    {
-        return refs_ != nullptr ? static_cast<T *>(refs_->GetRefPtr()) : nullptr;
-    }
+    T *GetRefPtr() const { return refs_ != nullptr ? static_cast<T *>(refs_->GetRefPtr()) : nullptr; }
 
-    bool operator==(const T *other) const
-    {
-        return GetRefPtr() == other;
-    }
+    bool operator==(const T *other) const { return GetRefPtr() == other; }
 
-    bool operator!=(const T *other) const
-    {
-        return GetRefPtr() != other;
-    }
+    bool operator!=(const T *other) const { return GetRefPtr() != other; }
 
-    bool operator==(const wptr<T> &other) const
-    {
-        return GetRefPtr() == other.GetRefPtr();
-    }
+    bool operator==(const wptr<T> &other) const { return GetRefPtr() == other.GetRefPtr(); }
 
-    bool operator!=(const wptr<T> &other) const
-    {
-        return GetRefPtr() != other.GetRefPtr();
-    }
+    bool operator!=(const wptr<T> &other) const { return GetRefPtr() != other.GetRefPtr(); }
 
-    bool operator==(const sptr<T> &other) const
-    {
-        return GetRefPtr() == other.GetRefPtr();
-    }
+    bool operator==(const sptr<T> &other) const { return GetRefPtr() == other.GetRefPtr(); }
 
-    bool operator!=(const sptr<T> &other) const
-    {
-        return GetRefPtr() != other.GetRefPtr();
-    }
+    bool operator!=(const sptr<T> &other) const { return GetRefPtr() != other.GetRefPtr(); }
 
     const sptr<T> promote() const
     {

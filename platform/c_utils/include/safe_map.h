@@ -6,14 +6,12 @@
 
 namespace OHOS {
 // A std::map guarded by its own mutex; every operation takes the lock.
-template <typename K, typename V>
-class SafeMap {
+template <typename K, typename V> class SafeMap {
 public:
     SafeMap() = default;
     ~SafeMap() = default;
 
-    template <typename LambdaCallback>
-    void ChangeValueByLambda(const K &key, LambdaCallback callback)
+    template <typename LambdaCallback> void ChangeValueByLambda(const K &key, LambdaCallback callback)
     {
         std::lock_guard<std::mutex> lock(mutex_);
         callback(map_[key]);

@@ -203,8 +203,7 @@ bool Parcel::WriteString16Vector(const std::vector<std::u16string> &val)
     return written;
 }
 
-template <typename T>
-bool Parcel::ReadAligned(T &value)
+template <typename T> bool Parcel::ReadAligned(T &value)
 {
     if (GetReadableBytes() < sizeof(T)) {
         return false;

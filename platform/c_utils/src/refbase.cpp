@@ -6,14 +6,8 @@ namespace {
 // object's own hold on the counter).
 class CounterPin {
 public:
-    explicit CounterPin(RefCounter *counter) : counter_(counter)
-    {
-        counter_->IncRefCount();
-    }
-    ~CounterPin()
-    {
-        counter_->DecRefCount();
-    }
+    explicit CounterPin(RefCounter *counter) : counter_(counter) { counter_->IncRefCount(); }
+    ~CounterPin() { counter_->DecRefCount(); }
     CounterPin(const CounterPin &) = delete;
     CounterPin &operator=(const CounterPin &) = delete;
 

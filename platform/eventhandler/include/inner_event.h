@@ -21,7 +21,9 @@ struct Caller {
     std::string dfxName_;
 
     Caller(std::string file = __builtin_FILE(), int line = __builtin_LINE(), std::string func = __builtin_FUNCTION())
-        : file_(std::move(file)), line_(line), func_(std::move(func)) {}
+        : file_(std::move(file)), line_(line), func_(std::move(func))
+    {
+    }
 };
 
 // One event: a named task that the owner's runner runs.

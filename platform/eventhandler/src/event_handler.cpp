@@ -10,9 +10,7 @@ namespace {
 constexpr int64_t MAX_DELAY_MS = 100LL * 365 * 24 * 3600 * 1000;
 } // namespace
 
-EventHandler::EventHandler(const std::shared_ptr<EventRunner> &runner) : eventRunner_(runner)
-{
-}
+EventHandler::EventHandler(const std::shared_ptr<EventRunner> &runner) : eventRunner_(runner) {}
 
 EventHandler::~EventHandler()
 {

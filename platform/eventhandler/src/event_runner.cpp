@@ -23,7 +23,7 @@ void LoopOn(EventQueue &queue)
 
 void NameThisThread()
 {
-    static std::atomic<uint32_t> counter{0};
+    static std::atomic<uint32_t> counter {0};
     constexpr size_t maxThreadNameLength = 15;
     std::string name = "EventRunner#" + std::to_string(++counter);
     pthread_setname_np(pthread_self(), name.substr(0, maxThreadNameLength).c_str());

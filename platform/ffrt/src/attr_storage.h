@@ -20,8 +20,7 @@ struct QueueAttrData {
 
 // The attribute structs only promise 4-byte alignment, so their contents are copied in and out
 // with memcpy instead of being accessed in place. A null attribute reads as the defaults.
-template <typename Data, typename Attr>
-Data LoadAttr(const Attr *attr)
+template <typename Data, typename Attr> Data LoadAttr(const Attr *attr)
 {
     static_assert(std::is_trivially_copyable_v<Data> && sizeof(Data) <= sizeof(attr->storage));
     Data data;
@@ -31,8 +30,7 @@ Data LoadAttr(const Attr *attr)
     return data;
 }
 
-template <typename Data, typename Attr>
-int StoreAttr(Attr *attr, const Data &data)
+template <typename Data, typename Attr> int StoreAttr(Attr *attr, const Data &data)
 {
     static_assert(std::is_trivially_copyable_v<Data> && sizeof(Data) <= sizeof(attr->storage));
     if (attr == nullptr) {

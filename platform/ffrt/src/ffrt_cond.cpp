@@ -89,9 +89,9 @@ int ffrt_cond_timedwait(ffrt_cond_t *cond, ffrt_mutex_t *mutex, const struct tim
     if (object == nullptr || held == nullptr || time_point == nullptr) {
         return ffrt_error_inval;
     }
-    const std::chrono::steady_clock::time_point deadline {std::chrono::duration_cast<
-        std::chrono::steady_clock::duration>(std::chrono::seconds(time_point->tv_sec) +
-        std::chrono::nanoseconds(time_point->tv_nsec))};
+    const std::chrono::steady_clock::time_point deadline {
+        std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+            std::chrono::seconds(time_point->tv_sec) + std::chrono::nanoseconds(time_point->tv_nsec))};
     return WaitOn(*object, mutex, deadline) ? ffrt_success : ffrt_error_timedout;
 }
 

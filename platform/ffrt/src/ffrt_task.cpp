@@ -18,9 +18,7 @@ void ffrt_task_attr_destroy(ffrt_task_attr_t *attr)
     ffrt_task_attr_init(attr);
 }
 
-void ffrt_task_attr_set_name(ffrt_task_attr_t *, const char *)
-{
-}
+void ffrt_task_attr_set_name(ffrt_task_attr_t *, const char *) {}
 
 void ffrt_task_attr_set_delay(ffrt_task_attr_t *attr, uint64_t delay_us)
 {
@@ -34,8 +32,7 @@ void *ffrt_alloc_auto_managed_function_storage_base(ffrt_function_kind_t)
     return HostFfrt::AllocFunctionStorage();
 }
 
-void ffrt_submit_base(ffrt_function_header_t *f, const ffrt_deps_t *, const ffrt_deps_t *,
-    const ffrt_task_attr_t *attr)
+void ffrt_submit_base(ffrt_function_header_t *f, const ffrt_deps_t *, const ffrt_deps_t *, const ffrt_task_attr_t *attr)
 {
     RuntimeTask *task = Runtime::Instance().Submit(f, attr, nullptr);
     if (task != nullptr) {

@@ -77,7 +77,8 @@ Runtime::Runtime()
 
 size_t Runtime::GroupIndex(ffrt_qos_t qos)
 {
-    return qos >= 0 && static_cast<size_t>(qos) < GROUP_COUNT ? static_cast<size_t>(qos) : static_cast<size_t>(ffrt_qos_default);
+    return qos >= 0 && static_cast<size_t>(qos) < GROUP_COUNT ? static_cast<size_t>(qos)
+                                                              : static_cast<size_t>(ffrt_qos_default);
 }
 
 RuntimeTask *Runtime::CurrentTask()
@@ -376,8 +377,7 @@ bool Runtime::Yield()
 
 // Waits until tasks settled as `pred` wants; a task waiting here is switched out meanwhile and
 // resumed by the settling that makes `pred` true.
-template <typename Pred>
-void Runtime::WaitSettled(Lock &lock, Pred pred)
+template <typename Pred> void Runtime::WaitSettled(Lock &lock, Pred pred)
 {
     RuntimeTask *task = SuspendableTask();
     if (pred() || task == nullptr) {

@@ -61,11 +61,11 @@ public:
     bool WaitIdle(std::chrono::milliseconds timeout);
     // The pool's counts, taken together under the lock.
     struct Counts {
-        size_t workers;     // worker threads alive, over all groups
+        size_t workers; // worker threads alive, over all groups
         size_t peakWorkers;
-        size_t running;     // tasks holding a running slot, over all groups
+        size_t running; // tasks holding a running slot, over all groups
         size_t peakRunning; // in any one group
-        size_t suspended;   // switched out in a runtime wait
+        size_t suspended; // switched out in a runtime wait
     };
     Counts Snapshot();
     void ResetPeaks();
@@ -96,7 +96,7 @@ private:
         std::deque<RuntimeTask *> resuming; // started tasks ready to go on
         std::condition_variable workAvailable;
         size_t threads = 0; // worker threads alive
-        size_t idle = 0;    // of those, the ones not running a task (including those still starting)
+        size_t idle = 0; // of those, the ones not running a task (including those still starting)
         size_t running = 0; // tasks holding a running slot
     };
 
@@ -127,8 +127,7 @@ private:
     bool Withdraw(RuntimeTask *task);
     void DropWithdrawn(Lock &lock, const std::deque<RuntimeTask *> &tasks);
     void Settle(RuntimeTask *task, TaskState state);
-    template <typename Pred>
-    void WaitSettled(Lock &lock, Pred pred);
+    template <typename Pred> void WaitSettled(Lock &lock, Pred pred);
 
     const size_t workerLimit_;
     const size_t threadLimit_;
@@ -144,8 +143,8 @@ private:
     size_t threads_ = 0; // over all groups
     size_t peakThreads_ = 0;
     size_t peakRunning_ = 0; // in any one group
-    size_t liveTasks_ = 0;   // submitted and not yet settled
-    size_t suspended_ = 0;   // switched out in a runtime wait
+    size_t liveTasks_ = 0; // submitted and not yet settled
+    size_t suspended_ = 0; // switched out in a runtime wait
     uint64_t nextTaskId_ = 0;
     bool timerStarted_ = false;
     // When the timer thread wakes on its own; min() while it runs and will look anyway.

@@ -15,20 +15,20 @@ namespace HostFfrt {
 struct TaskQueue;
 
 enum class TaskState {
-    DELAYED,    // held by the timer until due
-    QUEUED,     // due, waiting in its queue for a free slot
+    DELAYED, // held by the timer until due
+    QUEUED, // due, waiting in its queue for a free slot
     DISPATCHED, // due, waiting for a pool worker
-    DROPPING,   // taken out of its destroyed queue; its function is being destroyed
-    RUNNING,    // started: on a worker, suspended in a runtime wait, or ready to resume
+    DROPPING, // taken out of its destroyed queue; its function is being destroyed
+    RUNNING, // started: on a worker, suspended in a runtime wait, or ready to resume
     FINISHED,
     CANCELLED,
 };
 
 // Why a task's fiber switched back to its worker.
 enum class SwitchReason {
-    PARK,  // waits until Runtime::Resume
+    PARK, // waits until Runtime::Resume
     YIELD, // ready again at once, behind the tasks already waiting to resume
-    EXIT,  // its function returned
+    EXIT, // its function returned
 };
 
 // What the C++ runtime keeps per thread about exceptions being handled. A task suspended inside
@@ -45,7 +45,9 @@ struct RuntimeTask {
     using Clock = std::chrono::steady_clock;
 
     RuntimeTask(ffrt_function_header_t *f, ffrt_qos_t taskQos, TaskQueue *owner, uint32_t references)
-        : function(f), qos(taskQos), queue(owner), refs(references) {}
+        : function(f), qos(taskQos), queue(owner), refs(references)
+    {
+    }
 
     // Drops one reference; returns the count before.
     static uint32_t Release(RuntimeTask *task)
@@ -69,7 +71,7 @@ struct RuntimeTask {
     // worker's own stack and its runtime waits block the thread).
     std::unique_ptr<Fiber> fiber;
     SwitchReason reason = SwitchReason::EXIT;
-    bool parked = false;      // switched out in a wait, not yet resumed
+    bool parked = false; // switched out in a wait, not yet resumed
     bool wakePending = false; // resumed while still switching out
     // The thread-local state the task's code sees, carried across threads while it is away.
     int savedErrno = 0;

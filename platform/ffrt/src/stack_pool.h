@@ -12,7 +12,9 @@ namespace HostFfrt {
 class TaskStack {
 public:
     TaskStack(void *mapping, size_t mappingSize, size_t guardSize)
-        : mapping_(mapping), mappingSize_(mappingSize), guardSize_(guardSize) {}
+        : mapping_(mapping), mappingSize_(mappingSize), guardSize_(guardSize)
+    {
+    }
     ~TaskStack();
     TaskStack(const TaskStack &) = delete;
     TaskStack &operator=(const TaskStack &) = delete;

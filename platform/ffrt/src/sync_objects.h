@@ -12,8 +12,7 @@
 namespace HostFfrt {
 // The storage of ffrt_mutex_t and ffrt_cond_t promises only 4-byte alignment, too little for the
 // std:: objects underneath; the storage therefore holds a pointer to them.
-template <typename Object, typename Storage>
-Object *LoadObject(const Storage *storage)
+template <typename Object, typename Storage> Object *LoadObject(const Storage *storage)
 {
     static_assert(sizeof(Object *) <= sizeof(storage->storage));
     Object *object = nullptr;
@@ -21,15 +20,13 @@ Object *LoadObject(const Storage *storage)
     return object;
 }
 
-template <typename Object, typename Storage>
-void StoreObject(Storage *storage, Object *object)
+template <typename Object, typename Storage> void StoreObject(Storage *storage, Object *object)
 {
     std::memcpy(storage->storage, &object, sizeof(object));
 }
 
 // What the init and destroy calls of both objects do.
-template <typename Object, typename Storage>
-int CreateObject(Storage *storage)
+template <typename Object, typename Storage> int CreateObject(Storage *storage)
 {
     if (storage == nullptr) {
         return ffrt_error_inval;
@@ -39,8 +36,7 @@ int CreateObject(Storage *storage)
     return object == nullptr ? ffrt_error_nomem : ffrt_success;
 }
 
-template <typename Object, typename Storage>
-int DestroyObject(Storage *storage)
+template <typename Object, typename Storage> int DestroyObject(Storage *storage)
 {
     if (storage == nullptr) {
         return ffrt_error_inval;

@@ -19,8 +19,8 @@ struct TaskQueue {
     std::string name;
     ffrt_qos_t qos;
     std::deque<RuntimeTask *> waiting; // due tasks without a slot yet
-    int active = 0;                    // tasks holding the slot: dispatched to the pool or running
-    bool orphaned = false;             // destroyed from one of its own tasks: freed once none is active
+    int active = 0; // tasks holding the slot: dispatched to the pool or running
+    bool orphaned = false; // destroyed from one of its own tasks: freed once none is active
 };
 } // namespace HostFfrt
 

@@ -3,9 +3,7 @@
 #include "runtime.h"
 
 namespace HostFfrt {
-Waiter::Waiter() : task_(Runtime::SuspendableTask())
-{
-}
+Waiter::Waiter() : task_(Runtime::SuspendableTask()) {}
 
 bool Waiter::Park(std::unique_lock<std::mutex> *guard, std::optional<Clock::time_point> deadline)
 {

@@ -3,9 +3,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <mutex>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -121,8 +121,7 @@ int WriteToSink(const std::string &data)
     return fd < 0 ? -1 : WriteAll(fd, data);
 }
 
-int HiLogPrintArgs(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt,
-    va_list args)
+int HiLogPrintArgs(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt, va_list args)
 {
     if (fmt == nullptr || !DomainAccepted(type, domain)) {
         return -1;

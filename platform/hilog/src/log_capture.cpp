@@ -65,7 +65,7 @@ private:
 
     std::mutex mutex_;
     std::unordered_set<CaptureBuffer *> buffers_;
-    std::atomic<size_t> live_{0};
+    std::atomic<size_t> live_ {0};
 };
 } // namespace
 

@@ -53,7 +53,7 @@ LogOrigin CurrentLogOrigin()
     // A thread keeps its id, so it is asked for once per thread (and again in a forked child).
     thread_local pid_t cachedPid = 0;
     thread_local pid_t cachedTid = 0;
-    LogOrigin origin{};
+    LogOrigin origin {};
     clock_gettime(CLOCK_REALTIME, &origin.time);
     origin.pid = getpid();
     if (cachedPid != origin.pid) {
@@ -69,7 +69,7 @@ std::string FormatLogLine(const LogRecord &record, const LogOrigin &origin)
     // localtime_r takes a process-wide lock and works out the zone on every call; the lines a
     // thread logs within one second share its result.
     thread_local time_t cachedSecond = -1;
-    thread_local tm cachedLocal{};
+    thread_local tm cachedLocal {};
     if (cachedSecond != origin.time.tv_sec) {
         localtime_r(&origin.time.tv_sec, &cachedLocal);
         cachedSecond = origin.time.tv_sec;

@@ -237,8 +237,7 @@ void PrivacyFormatter::AppendFloating(const Conversion &conv, va_list *args)
     }
 }
 
-template <typename T>
-void PrivacyFormatter::AppendFormatted(const Conversion &conv, T value)
+template <typename T> void PrivacyFormatter::AppendFormatted(const Conversion &conv, T value)
 {
     if (!conv.isPublic && !revealPrivate_) {
         AppendText(PRIVATE_TEXT, std::strlen(PRIVATE_TEXT));

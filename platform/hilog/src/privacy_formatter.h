@@ -25,8 +25,7 @@ private:
     void AppendSigned(const Conversion &conv, va_list *args);
     void AppendUnsigned(const Conversion &conv, va_list *args);
     void AppendFloating(const Conversion &conv, va_list *args);
-    template <typename T>
-    void AppendFormatted(const Conversion &conv, T value);
+    template <typename T> void AppendFormatted(const Conversion &conv, T value);
     void AppendText(const char *text, size_t length);
     bool Full() const { return out_.size() >= maxBytes_; }
 

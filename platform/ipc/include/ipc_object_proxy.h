@@ -25,10 +25,7 @@ public:
     ~IPCObjectProxy() override;
 
     int SendRequest(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option) override;
-    bool IsProxyObject() const override
-    {
-        return true;
-    }
+    bool IsProxyObject() const override { return true; }
     bool IsObjectDead() const override;
     int Dump(int fd, const std::vector<std::u16string> &args) override;
     bool AddDeathRecipient(const sptr<DeathRecipient> &recipient) override;

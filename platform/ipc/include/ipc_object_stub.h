@@ -18,10 +18,7 @@ public:
     explicit IPCObjectStub(std::u16string descriptor = std::u16string(), bool serialInvokeFlag = false);
     ~IPCObjectStub() override;
 
-    bool IsProxyObject() const override
-    {
-        return false;
-    }
+    bool IsProxyObject() const override { return false; }
 
     int Dump(int fd, const std::vector<std::u16string> &args) override;
     virtual int OnRemoteRequest(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option);

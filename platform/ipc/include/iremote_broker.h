@@ -28,11 +28,11 @@ public:
     std::u16string descriptor_;
 };
 
-#define DECLARE_INTERFACE_DESCRIPTOR(DESCRIPTOR)                   \
-    static constexpr const char16_t *metaDescriptor_ = DESCRIPTOR; \
-    static inline const std::u16string GetDescriptor()             \
-    {                                                              \
-        return metaDescriptor_;                                    \
+#define DECLARE_INTERFACE_DESCRIPTOR(DESCRIPTOR)                                                                       \
+    static constexpr const char16_t *metaDescriptor_ = DESCRIPTOR;                                                     \
+    static inline const std::u16string GetDescriptor()                                                                 \
+    {                                                                                                                  \
+        return metaDescriptor_;                                                                                        \
     }
 
 // The process-wide table from interface descriptor to proxy constructor.
@@ -54,8 +54,7 @@ private:
     std::map<std::u16string, Constructor> creators_;
 };
 
-template <typename T>
-class BrokerCreator {
+template <typename T> class BrokerCreator {
 public:
     sptr<IRemoteBroker> operator()(const sptr<IRemoteObject> &object)
     {
@@ -68,8 +67,7 @@ public:
 };
 
 // Registers T (a proxy class) for its interface descriptor while it lives.
-template <typename T>
-class BrokerDelegator : public BrokerDelegatorBase {
+template <typename T> class BrokerDelegator : public BrokerDelegatorBase {
 public:
     BrokerDelegator();
     ~BrokerDelegator() override;
@@ -78,8 +76,7 @@ private:
     DISALLOW_COPY_AND_MOVE(BrokerDelegator);
 };
 
-template <typename T>
-BrokerDelegator<T>::BrokerDelegator()
+template <typename T> BrokerDelegator<T>::BrokerDelegator()
 {
     const std::u16string descriptor = T::GetDescriptor();
     if (BrokerRegistration::Get().Register(descriptor, BrokerCreator<T>(), this)) {
@@ -87,16 +84,14 @@ BrokerDelegator<T>::BrokerDelegator()
     }
 }
 
-template <typename T>
-BrokerDelegator<T>::~BrokerDelegator()
+template <typename T> BrokerDelegator<T>::~BrokerDelegator()
 {
     if (!isSoUnloaded && !descriptor_.empty()) {
         BrokerRegistration::Get().Unregister(descriptor_);
     }
 }
 
-template <typename INTERFACE>
-inline sptr<INTERFACE> iface_cast(const sptr<IRemoteObject> &object)
+template <typename INTERFACE> inline sptr<INTERFACE> iface_cast(const sptr<IRemoteObject> &object)
 {
     const std::u16string descriptor = INTERFACE::GetDescriptor();
     sptr<IRemoteBroker> broker = BrokerRegistration::Get().NewInstance(descriptor, object);

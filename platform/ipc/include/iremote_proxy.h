@@ -5,8 +5,7 @@
 #include "peer_holder.h"
 
 namespace OHOS {
-template <typename INTERFACE>
-class IRemoteProxy : public PeerHolder, public INTERFACE {
+template <typename INTERFACE> class IRemoteProxy : public PeerHolder, public INTERFACE {
 public:
     explicit IRemoteProxy(const sptr<IRemoteObject> &object);
     ~IRemoteProxy() override = default;
@@ -20,8 +19,7 @@ IRemoteProxy<INTERFACE>::IRemoteProxy(const sptr<IRemoteObject> &object) : PeerH
 {
 }
 
-template <typename INTERFACE>
-sptr<IRemoteObject> IRemoteProxy<INTERFACE>::AsObject()
+template <typename INTERFACE> sptr<IRemoteObject> IRemoteProxy<INTERFACE>::AsObject()
 {
     return Remote();
 }

@@ -1,12 +1,11 @@
 #ifndef OHOS_IPC_IREMOTE_STUB_H
 #define OHOS_IPC_IREMOTE_STUB_H
 
-#include "iremote_broker.h"
 #include "ipc_object_stub.h"
+#include "iremote_broker.h"
 
 namespace OHOS {
-template <typename INTERFACE>
-class IRemoteStub : public IPCObjectStub, public INTERFACE {
+template <typename INTERFACE> class IRemoteStub : public IPCObjectStub, public INTERFACE {
 public:
     IRemoteStub(bool serialInvokeFlag = false);
     ~IRemoteStub() override = default;
@@ -16,19 +15,16 @@ public:
 };
 
 template <typename INTERFACE>
-IRemoteStub<INTERFACE>::IRemoteStub(bool serialInvokeFlag)
-    : IPCObjectStub(INTERFACE::GetDescriptor(), serialInvokeFlag)
+IRemoteStub<INTERFACE>::IRemoteStub(bool serialInvokeFlag) : IPCObjectStub(INTERFACE::GetDescriptor(), serialInvokeFlag)
 {
 }
 
-template <typename INTERFACE>
-sptr<IRemoteObject> IRemoteStub<INTERFACE>::AsObject()
+template <typename INTERFACE> sptr<IRemoteObject> IRemoteStub<INTERFACE>::AsObject()
 {
     return this;
 }
 
-template <typename INTERFACE>
-sptr<IRemoteBroker> IRemoteStub<INTERFACE>::AsInterface()
+template <typename INTERFACE> sptr<IRemoteBroker> IRemoteStub<INTERFACE>::AsInterface()
 {
     return this;
 }

@@ -23,7 +23,7 @@ CallerIdentity MakeIdentity(uint32_t tokenType, bool systemApp, pid_t uid)
     uint32_t tokenId = (TOKEN_VERSION << TOKEN_VERSION_SHIFT) | (tokenType << TOKEN_TYPE_SHIFT) |
         (static_cast<uint32_t>(uid) & TOKEN_UNIQUE_ID_MASK);
     uint64_t fullTokenId = tokenId | (systemApp ? SYSTEM_APP_FLAG : 0);
-    return CallerIdentity{tokenId, fullTokenId, getpid(), uid};
+    return CallerIdentity {tokenId, fullTokenId, getpid(), uid};
 }
 } // namespace
 

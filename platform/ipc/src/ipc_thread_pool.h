@@ -17,8 +17,8 @@ namespace OHOS {
 class IpcThreadPool {
 public:
     static constexpr size_t MAX_THREADS = 16;
-    static constexpr std::chrono::seconds IDLE_TIME{5};
-    static constexpr std::chrono::milliseconds STUCK_GRACE{100};
+    static constexpr std::chrono::seconds IDLE_TIME {5};
+    static constexpr std::chrono::milliseconds STUCK_GRACE {100};
 
     static IpcThreadPool &Get();
 

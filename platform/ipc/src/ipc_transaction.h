@@ -15,8 +15,8 @@ namespace OHOS {
 class IpcTransaction {
 public:
     // Null when the data cannot be copied.
-    static std::unique_ptr<IpcTransaction> Make(const sptr<IPCObjectStub> &target, uint32_t code,
-        MessageParcel &data, const MessageOption &option);
+    static std::unique_ptr<IpcTransaction> Make(const sptr<IPCObjectStub> &target, uint32_t code, MessageParcel &data,
+        const MessageOption &option);
 
     // Sent from this thread, with no data yet; Make is the usual way.
     IpcTransaction(const sptr<IPCObjectStub> &target, uint32_t code, const MessageOption &option);
@@ -26,7 +26,6 @@ public:
     int Deliver(MessageParcel &reply);
 
 private:
-
     const sptr<IPCObjectStub> target_;
     const uint32_t code_;
     MessageOption option_;

@@ -24,7 +24,7 @@ public:
 private:
     using Watch = std::pair<wptr<IRemoteObject>, sptr<IRemoteObject::DeathRecipient>>;
 
-    std::atomic<bool> dead_{false};
+    std::atomic<bool> dead_ {false};
     std::mutex mutex_;
     std::vector<Watch> watches_;
 };

@@ -12,19 +12,19 @@ class LocalAbilityManager;
 } // namespace HostPlatform
 
 namespace OHOS {
-#define REGISTER_SYSTEM_ABILITY_BY_ID(abilityClassName, systemAbilityId, runOnCreate) \
-    const bool abilityClassName##_##RegisterResult =                                   \
+#define REGISTER_SYSTEM_ABILITY_BY_ID(abilityClassName, systemAbilityId, runOnCreate)                                  \
+    const bool abilityClassName##_##RegisterResult =                                                                   \
         SystemAbility::MakeAndRegisterAbility(new abilityClassName(systemAbilityId, runOnCreate));
 
-#define DECLARE_SYSTEM_ABILITY(className)  \
-public:                                    \
-    virtual std::string GetClassName() override \
-    {                                      \
-        return #className;                 \
+#define DECLARE_SYSTEM_ABILITY(className)                                                                              \
+public:                                                                                                                \
+    virtual std::string GetClassName() override                                                                        \
+    {                                                                                                                  \
+        return #className;                                                                                             \
     }
 
-#define DECLARE_BASE_SYSTEM_ABILITY(className) \
-public:                                        \
+#define DECLARE_BASE_SYSTEM_ABILITY(className)                                                                         \
+public:                                                                                                                \
     virtual std::string GetClassName() = 0
 
 class SystemAbility {

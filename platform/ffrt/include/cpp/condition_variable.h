@@ -37,8 +37,7 @@ public:
         return wait_steady(lk, std::chrono::steady_clock::now() + (tp - Clock::now()));
     }
 
-    template <typename Pred>
-    void wait(std::unique_lock<mutex> &lk, Pred &&pred)
+    template <typename Pred> void wait(std::unique_lock<mutex> &lk, Pred &&pred)
     {
         while (!pred()) {
             wait(lk);
@@ -50,8 +49,8 @@ public:
 
 private:
     template <typename Duration>
-    cv_status wait_steady(std::unique_lock<mutex> &lk, const std::chrono::time_point<std::chrono::steady_clock,
-        Duration> &deadline)
+    cv_status wait_steady(std::unique_lock<mutex> &lk,
+        const std::chrono::time_point<std::chrono::steady_clock, Duration> &deadline)
     {
         using namespace std::chrono;
         // libstdc++'s steady clock is CLOCK_MONOTONIC, the clock the C call measures against.

@@ -45,8 +45,7 @@ public:
     }
 
 protected:
-    template <typename Store>
-    void complete(Store &&store)
+    template <typename Store> void complete(Store &&store)
     {
         std::unique_lock<mutex> lk(mutex_);
         if (ready_) {
@@ -75,11 +74,9 @@ private:
     std::exception_ptr error_;
 };
 
-template <typename R>
-class shared_state : public shared_state_base {
+template <typename R> class shared_state : public shared_state_base {
 public:
-    template <typename V>
-    void set_value(V &&value)
+    template <typename V> void set_value(V &&value)
     {
         complete([&] { value_.emplace(std::forward<V>(value)); });
     }
@@ -94,8 +91,7 @@ private:
     std::optional<R> value_;
 };
 
-template <>
-class shared_state<void> : public shared_state_base {
+template <> class shared_state<void> : public shared_state_base {
 public:
     void set_value()
     {
@@ -109,11 +105,9 @@ public:
 };
 } // namespace detail
 
-template <typename R>
-class promise;
+template <typename R> class promise;
 
-template <typename R>
-class future {
+template <typename R> class future {
 public:
     future() noexcept = default;
     future(future &&) noexcept = default;
@@ -136,8 +130,7 @@ public:
         state_->wait();
     }
 
-    template <typename Rep, typename Period>
-    future_status wait_for(const std::chrono::duration<Rep, Period> &d) const
+    template <typename Rep, typename Period> future_status wait_for(const std::chrono::duration<Rep, Period> &d) const
     {
         return wait_until(std::chrono::steady_clock::now() + d);
     }
@@ -164,8 +157,7 @@ private:
 };
 
 namespace detail {
-template <typename R>
-class promise_base {
+template <typename R> class promise_base {
 public:
     promise_base() : state_(std::make_shared<shared_state<R>>()) {}
     promise_base(promise_base &&) noexcept = default;
@@ -204,8 +196,7 @@ private:
 };
 } // namespace detail
 
-template <typename R>
-class promise : public detail::promise_base<R> {
+template <typename R> class promise : public detail::promise_base<R> {
 public:
     future<R> get_future()
     {
@@ -218,8 +209,7 @@ public:
     void set_value(R &&value) { this->checked_state().set_value(std::move(value)); }
 };
 
-template <>
-class promise<void> : public detail::promise_base<void> {
+template <> class promise<void> : public detail::promise_base<void> {
 public:
     future<void> get_future()
     {
@@ -231,12 +221,10 @@ public:
     void set_value() { checked_state().set_value(); }
 };
 
-template <typename Signature>
-class packaged_task;
+template <typename Signature> class packaged_task;
 
 // Runs its callable once and leaves the result, or the exception it threw, in its future.
-template <typename R, typename... Args>
-class packaged_task<R(Args...)> {
+template <typename R, typename... Args> class packaged_task<R(Args...)> {
 public:
     packaged_task() noexcept = default;
     template <typename F, typename = std::enable_if_t<!std::is_same_v<std::decay_t<F>, packaged_task>>>
@@ -272,8 +260,7 @@ private:
         virtual ~callable() = default;
         virtual R call(Args... args) = 0;
     };
-    template <typename F>
-    struct holder : callable {
+    template <typename F> struct holder : callable {
         explicit holder(F &&f) : fn(std::move(f)) {}
         explicit holder(const F &f) : fn(f) {}
         R call(Args... args) override { return fn(std::forward<Args>(args)...); }

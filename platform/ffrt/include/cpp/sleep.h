@@ -12,8 +12,7 @@ inline void yield()
     ffrt_yield();
 }
 
-template <typename Rep, typename Period>
-void sleep_for(const std::chrono::duration<Rep, Period> &d)
+template <typename Rep, typename Period> void sleep_for(const std::chrono::duration<Rep, Period> &d)
 {
     auto us = std::chrono::ceil<std::chrono::microseconds>(d).count();
     ffrt_usleep(us > 0 ? static_cast<uint64_t>(us) : 0);

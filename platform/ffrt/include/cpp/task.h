@@ -23,20 +23,17 @@ public:
 };
 
 // The runtime sees only the header; the callable sits right behind it in the same storage.
-template <class T>
-struct function {
+template <class T> struct function {
     ffrt_function_header_t header;
     T closure;
 };
 
-template <class T>
-void exec_function_wrapper(void *storage)
+template <class T> void exec_function_wrapper(void *storage)
 {
     static_cast<function<T> *>(storage)->closure();
 }
 
-template <class T>
-void destroy_function_wrapper(void *storage)
+template <class T> void destroy_function_wrapper(void *storage)
 {
     static_cast<function<T> *>(storage)->~function<T>();
 }
@@ -53,8 +50,9 @@ ffrt_function_header_t *create_function_wrapper(F &&func, ffrt_function_kind_t k
     if (storage == nullptr) {
         throw std::bad_alloc();
     }
-    auto *wrapper = new (storage) Wrapper{{exec_function_wrapper<Callable>, destroy_function_wrapper<Callable>, {0, 0}},
-        Callable(std::forward<F>(func))};
+    auto *wrapper =
+        new (storage) Wrapper {{exec_function_wrapper<Callable>, destroy_function_wrapper<Callable>, {0, 0}},
+            Callable(std::forward<F>(func))};
     return &wrapper->header;
 }
 

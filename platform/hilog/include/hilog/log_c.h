@@ -31,7 +31,6 @@ typedef enum {
 // %{public}/%{private} qualifiers, so the attribute is left out here.
 int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char *tag, const char *fmt, ...);
 
-
 #ifdef __cplusplus
 }
 #endif
