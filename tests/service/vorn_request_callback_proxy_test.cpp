@@ -47,16 +47,21 @@ sptr<IVornRequestCallback> CallbackFor(const sptr<IRemoteObject> &stub)
 }
 } // namespace
 
-TEST(VornRequestCallbackProxyTest, SendsTheResponseAsOneOneWayTransaction)
+TEST(VornRequestCallbackProxyTest, SendsEachResponseAsOneOneWayTransactionUpToTheParcelLimit)
 {
+    constexpr size_t LARGEST = CallbackParcelLimit::MAX_RESPONSE_SIZE;
     sptr<TransactionRecorder> recorder = new TransactionRecorder();
     sptr<IVornRequestCallback> callback = CallbackFor(recorder);
     ASSERT_NE(dynamic_cast<VornRequestCallbackProxy *>(callback.GetRefPtr()), nullptr);
+    HostPlatform::LogCapture capture;
 
     callback->OnResponse(R"({"code":200})");
     callback->OnResponse("");
+    callback->OnResponse(std::string(LARGEST, 'r'));
+    // One byte more needs one more padded word, and the parcel has none left.
+    callback->OnResponse(std::string(LARGEST + 1, 'r'));
     ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(recorder, std::chrono::seconds(10)));
-    ASSERT_EQ(recorder->transactions.size(), 2U);
+    ASSERT_EQ(recorder->transactions.size(), 3U);
     for (const Transaction &sent : recorder->transactions) {
         EXPECT_EQ(sent.code, 0U);
         EXPECT_EQ(sent.flags, MessageOption::TF_ASYNC);
@@ -66,37 +71,13 @@ TEST(VornRequestCallbackProxyTest, SendsTheResponseAsOneOneWayTransaction)
     }
     EXPECT_EQ(recorder->transactions[0].response, R"({"code":200})");
     EXPECT_EQ(recorder->transactions[1].response, "");
-}
-
-TEST(VornRequestCallbackProxyTest, DeadCallbackIsOnlyLogged)
-{
-    sptr<TransactionRecorder> recorder = new TransactionRecorder();
-    sptr<IVornRequestCallback> callback = CallbackFor(recorder);
-    ASSERT_NE(callback, nullptr);
-    HostPlatform::MarkObjectDead(recorder);
-
-    HostPlatform::LogCapture capture;
-    EXPECT_NO_THROW(callback->OnResponse("lost"));
-    EXPECT_TRUE(recorder->transactions.empty());
-    EXPECT_TRUE(capture.Contains("VornRequestCallbackProxy::OnResponse SendRequest is failed, error code: 32"));
-}
-
-TEST(VornRequestCallbackProxyTest, TheLargestResponseArrivesWholeAndALargerOneIsRefusedWithALogLine)
-{
-    constexpr size_t LARGEST = CallbackParcelLimit::MAX_RESPONSE_SIZE;
-    sptr<TransactionRecorder> recorder = new TransactionRecorder();
-    sptr<IVornRequestCallback> callback = CallbackFor(recorder);
-    HostPlatform::LogCapture capture;
-
-    callback->OnResponse(std::string(LARGEST, 'r'));
-    ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(recorder, std::chrono::seconds(10)));
-    ASSERT_EQ(recorder->transactions.size(), 1U);
-    EXPECT_EQ(recorder->transactions[0].response, std::string(LARGEST, 'r'));
-    EXPECT_EQ(capture.CountContaining("failed"), 0U);
-
-    // One byte more needs one more padded word, and the parcel has none left.
-    callback->OnResponse(std::string(LARGEST + 1, 'r'));
-    ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(recorder, std::chrono::seconds(10)));
-    EXPECT_EQ(recorder->transactions.size(), 1U);
+    EXPECT_EQ(recorder->transactions[2].response, std::string(LARGEST, 'r'));
+    EXPECT_EQ(capture.CountContaining("failed"), 1U);
     EXPECT_TRUE(capture.Contains("VornRequestCallbackProxy write response of 204720 bytes failed"));
+
+    // A dead client's callback only costs a log line.
+    HostPlatform::MarkObjectDead(recorder);
+    EXPECT_NO_THROW(callback->OnResponse("lost"));
+    EXPECT_EQ(recorder->transactions.size(), 3U);
+    EXPECT_TRUE(capture.Contains("VornRequestCallbackProxy::OnResponse SendRequest is failed, error code: 32"));
 }
