@@ -1,11 +1,11 @@
 #include <climits>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <ios>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -23,11 +23,6 @@ const std::string UNTOUCHED = "untouched";
 
 class FileUtilsTest : public testing::Test {
 protected:
-    std::string Write(const std::string &name, const std::string &content) const
-    {
-        return temp_.WriteFile(name, content);
-    }
-
     int32_t Read(const std::string &path, std::string &content) const
     {
         content = UNTOUCHED;
@@ -39,10 +34,10 @@ protected:
 };
 } // namespace
 
-TEST_F(FileUtilsTest, ReadsWholeFileByteForByte)
+TEST_F(FileUtilsTest, ReadsWholeFileByteForByteAtItsCanonicalPath)
 {
     const std::string content("{\"a\": 1}\r\n\0\xff tail", 16);
-    const std::string path = Write("config.json", content);
+    const std::string path = temp_.WriteFile("config.json", content);
     std::string read;
     EXPECT_EQ(Read(path, read), FileUtils::READ_FILE_OK);
     EXPECT_EQ(read, content);
@@ -51,30 +46,30 @@ TEST_F(FileUtilsTest, ReadsWholeFileByteForByte)
     fs::create_symlink(path, dir_ / "link.json");
     EXPECT_EQ(Read((dir_ / "." / "link.json").string(), read), FileUtils::READ_FILE_OK);
     EXPECT_EQ(read, content);
+    fs::create_directory(dir_ / "sub");
+    EXPECT_EQ(FileUtils::NormalizedFilePath((dir_ / "sub" / ".." / "." / "config.json").string()),
+        fs::canonical(path).string());
+    EXPECT_EQ(FileUtils::NormalizedFilePath((dir_ / "missing").string()), "");
+    EXPECT_EQ(FileUtils::NormalizedFilePath(""), "");
 }
 
-TEST_F(FileUtilsTest, MissingOrNonRegularPathsGiveOne)
+// procfs reports size 0 even though reading yields text.
+TEST_F(FileUtilsTest, MissingOrNonRegularPathsGiveOneAndFilesReportedEmptyGiveTwo)
 {
     fs::create_directory(dir_ / "sub");
     fs::create_symlink(dir_ / "gone.json", dir_ / "dangling.json");
     ASSERT_EQ(mkfifo((dir_ / "fifo").c_str(), 0600), 0);
-    for (const fs::path &path : {dir_ / "sub", dir_ / "missing.json", dir_ / "dangling.json", dir_ / "fifo"}) {
+    const std::pair<std::string, int32_t> cases[] = {{(dir_ / "sub").string(), FileUtils::READ_FILE_NOT_FOUND},
+        {(dir_ / "missing.json").string(), FileUtils::READ_FILE_NOT_FOUND},
+        {(dir_ / "dangling.json").string(), FileUtils::READ_FILE_NOT_FOUND},
+        {(dir_ / "fifo").string(), FileUtils::READ_FILE_NOT_FOUND}, {"", FileUtils::READ_FILE_NOT_FOUND},
+        {temp_.WriteFile("empty.json", ""), FileUtils::READ_FILE_EMPTY},
+        {"/proc/self/status", FileUtils::READ_FILE_EMPTY}};
+    for (const auto &[path, code] : cases) {
         std::string read;
-        EXPECT_EQ(Read(path.string(), read), FileUtils::READ_FILE_NOT_FOUND) << path;
-        EXPECT_EQ(read, UNTOUCHED);
+        EXPECT_EQ(Read(path, read), code) << path;
+        EXPECT_EQ(read, UNTOUCHED) << path;
     }
-    std::string read;
-    EXPECT_EQ(Read("", read), FileUtils::READ_FILE_NOT_FOUND);
-}
-
-TEST_F(FileUtilsTest, FilesReportedEmptyGiveTwo)
-{
-    std::string read;
-    EXPECT_EQ(Read(Write("empty.json", ""), read), FileUtils::READ_FILE_EMPTY);
-    EXPECT_EQ(read, UNTOUCHED);
-    // procfs reports size 0 even though reading yields text.
-    EXPECT_EQ(Read("/proc/self/status", read), FileUtils::READ_FILE_EMPTY);
-    EXPECT_EQ(read, UNTOUCHED);
 }
 
 TEST_F(FileUtilsTest, SizeDifferentFromStatGivesThreeAndEmptiesContent)
@@ -121,14 +116,4 @@ TEST_F(FileUtilsTest, CanonicalPathFailureIsLogged)
     unlink("deep.json");
     while (chdir("..") == 0 && rmdir(level.c_str()) == 0) {
     }
-}
-
-TEST_F(FileUtilsTest, NormalizedFilePathResolvesToAbsolute)
-{
-    const std::string path = Write("a.json", "1");
-    fs::create_directory(dir_ / "sub");
-    const std::string canonical = fs::canonical(path).string();
-    EXPECT_EQ(FileUtils::NormalizedFilePath((dir_ / "sub" / ".." / "." / "a.json").string()), canonical);
-    EXPECT_EQ(FileUtils::NormalizedFilePath((dir_ / "missing").string()), "");
-    EXPECT_EQ(FileUtils::NormalizedFilePath(""), "");
 }

@@ -2,7 +2,6 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -10,10 +9,7 @@
 #include "engine_fixture.h"
 #include "ffrt_host.h"
 #include "hilog_host.h"
-#include "ipc_host.h"
-#include "iremote_broker.h"
 #include "log_lines.h"
-#include "response_recorder.h"
 #include "time_utils.h"
 #include "vorn_server_logic.h"
 
@@ -22,8 +18,6 @@
 // Bounds are loose for a busy build machine.
 namespace {
 using namespace std::chrono_literals;
-using OHOS::sptr;
-using OHOS::Vorn::IVornRequestCallback;
 using OHOS::Vorn::VornServerLogic;
 using VornTestbed::HttpResponse;
 using Json = nlohmann::json;
