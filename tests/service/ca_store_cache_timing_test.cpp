@@ -1,5 +1,4 @@
 #include <atomic>
-#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>

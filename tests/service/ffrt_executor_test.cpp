@@ -28,7 +28,7 @@ namespace {
 constexpr auto SETTLE_TIMEOUT = 10s;
 } // namespace
 
-TEST(FFRTExecutorTest, NormalSubmitRunsTasksConcurrentlyWithoutHandles)
+TEST(FFRTExecutorTest, NormalSubmitRunsTasksConcurrentlyWithoutHandlesAndCarriesResults)
 {
     FFRTExecutor executor("normal", Mode::NORMAL_SUBMIT);
     // The first task can only succeed if the second one runs beside it.
@@ -40,6 +40,13 @@ TEST(FFRTExecutorTest, NormalSubmitRunsTasksConcurrentlyWithoutHandles)
     EXPECT_EQ(executor.PendingHandleCount(), 0);
     executor.PostTaskDelay([&] { second.set_value(); }, "second", 0);
     EXPECT_TRUE(first.get_future().get());
+
+    ffrt::future<VornErrorCodeType> code = executor.Submit([] { return ERR_SERVICE_INTERNAL; }, "code");
+    ffrt::future<std::string> text = executor.Submit([] { return std::string("late"); }, "text", 20);
+    ffrt::future<int> failed = executor.Submit([]() -> int { throw std::runtime_error("attempt failed"); }, "throws");
+    EXPECT_EQ(code.get(), ERR_SERVICE_INTERNAL);
+    EXPECT_EQ(text.get(), "late");
+    EXPECT_THROW(failed.get(), std::runtime_error);
     ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
     EXPECT_EQ(executor.PendingHandleCount(), 0);
 }
@@ -157,16 +164,4 @@ TEST(FFRTExecutorDeathTest, BrokenRuntimeEndsTheProcessForImmediateTasks)
             executor.PostTaskDelay([] {}, "i", 0);
         },
         "FFRT is broken! Use std::thread\\.");
-}
-
-TEST(FFRTExecutorTest, SubmitCarriesResultAndException)
-{
-    FFRTExecutor executor("submit", Mode::NORMAL_SUBMIT);
-    ffrt::future<VornErrorCodeType> code = executor.Submit([] { return ERR_SERVICE_INTERNAL; }, "code");
-    ffrt::future<std::string> text = executor.Submit([] { return std::string("late"); }, "text", 20);
-    ffrt::future<int> failed = executor.Submit([]() -> int { throw std::runtime_error("attempt failed"); }, "throws");
-    EXPECT_EQ(code.get(), ERR_SERVICE_INTERNAL);
-    EXPECT_EQ(text.get(), "late");
-    EXPECT_THROW(failed.get(), std::runtime_error);
-    EXPECT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
 }

@@ -19,16 +19,13 @@ std::string Trimmed(std::string text)
 }
 } // namespace
 
-TEST(StringUtilsTest, SplitTextWithoutSeparatorComesBackTwice)
+TEST(StringUtilsTest, SplitAtSeparatorsAndTextWithoutOneComesBackTwice)
 {
     EXPECT_EQ(StringUtils::SplitAllByString("abc", CRLF), (Strings {"abc", "abc"}));
     // Shorter than the separator counts the same way.
     EXPECT_EQ(StringUtils::SplitAllByString("a\r", BLANK_LINE), (Strings {"a\r", "a\r"}));
     EXPECT_EQ(StringUtils::SplitAllByString("", CRLF), Strings {""});
-}
 
-TEST(StringUtilsTest, SplitAtSeparators)
-{
     EXPECT_EQ(StringUtils::SplitAllByString("Line" + CRLF, CRLF), Strings {"Line"});
     EXPECT_EQ(StringUtils::SplitAllByString(CRLF + "A", CRLF), (Strings {"", "A"}));
     EXPECT_EQ(StringUtils::SplitAllByString("A" + CRLF + CRLF + "B", CRLF), (Strings {"A", "", "B"}));

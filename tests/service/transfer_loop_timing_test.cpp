@@ -3,7 +3,6 @@
 #include <chrono>
 #include <cstdlib>
 #include <string>
-#include <thread>
 
 #include <curl/curl.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,4 @@
 #include <cstdlib>
-#include <string>
 
 #include <gtest/gtest.h>
 

@@ -19,6 +19,7 @@
 #include "raw_service_client.h"
 #include "response_recorder.h"
 #include "scoped_env.h"
+#include "transport_fixture.h"
 #include "vorn_sa.h"
 
 using namespace std::chrono_literals;
@@ -70,13 +71,7 @@ protected:
             return {};
         }
         EXPECT_EQ(service_->Dump(fileno(file.get()), args), 0);
-        std::rewind(file.get());
-        std::string text;
-        char buffer[1024];
-        for (size_t n; (n = std::fread(buffer, 1, sizeof(buffer), file.get())) > 0;) {
-            text.append(buffer, n);
-        }
-        return text;
+        return ReadFile("/proc/self/fd/" + std::to_string(fileno(file.get())));
     }
 
     // The "name: number" lines of a dump.

@@ -70,7 +70,7 @@ TEST_F(VornSAStubTest, OrdinaryAppsAreRefusedForEveryCodeBeforeTheTokenIsRead)
     EXPECT_EQ(ServiceLines(logs_, LOG_WARN, "The caller is not a system application."), 3u);
 }
 
-TEST_F(VornSAStubTest, WrongOrMissingTokenGetsThreeAndAnEmptyReply)
+TEST_F(VornSAStubTest, WrongOrMissingTokenGetsThreeAndUnknownCodeThePlatformDefault)
 {
     for (const std::u16string &token : {std::u16string(u"ohos.vorn.IVornSAInterfacf"),
              std::u16string(u"ohos.vorn.IVornSAInterfac"), std::u16string(u"ohos.vorn.IVornSAInterface."),
@@ -84,6 +84,11 @@ TEST_F(VornSAStubTest, WrongOrMissingTokenGetsThreeAndAnEmptyReply)
     }
     EXPECT_EQ(ServiceLines(logs_, LOG_ERROR, "read descriptor failed."), 10u);
     EXPECT_FALSE(logs_.Contains("VornSAStub::PostVornRequest in"));
+
+    // An unknown code with the right token gets the platform's default.
+    CallResult unknown = client_.Request("{}", recorder_, TOKEN, UNKNOWN_CODE);
+    EXPECT_EQ(unknown.result, IPC_STUB_UNKNOW_TRANS_ERR);
+    EXPECT_FALSE(unknown.reply.has_value());
 }
 
 // Requests and events that cannot be decoded answer four and start nothing; a malformed event,
@@ -125,13 +130,6 @@ TEST_F(VornSAStubTest, UndecodableParametersAnswerFourAndPostNothing)
     EXPECT_EQ(recorder_->Count(), 0u);
     EXPECT_TRUE(HostPlatform::EventRunnersWaitIdle(5s));
     EXPECT_TRUE(omsa.Calls("OnEvent").empty());
-}
-
-TEST_F(VornSAStubTest, UnknownCodeWithTheRightTokenGetsThePlatformDefault)
-{
-    CallResult result = client_.Request("{}", recorder_, TOKEN, UNKNOWN_CODE);
-    EXPECT_EQ(result.result, IPC_STUB_UNKNOW_TRANS_ERR);
-    EXPECT_FALSE(result.reply.has_value());
 }
 
 TEST_F(VornSAStubTest, EventWithOnlyAnIdIsReportedWithTheCallerUid)
