@@ -7,7 +7,6 @@
 
 #include "callback_parcel_limit.h"
 #include "hostile_server_fixture.h"
-#include "log_lines.h"
 
 // Servers that break off, flood the client with header lines, speak an old protocol, present a
 // certificate that must be refused, send bytes that are not UTF-8 or more than a client's
@@ -18,36 +17,7 @@ using VornTestbed::CertificateOptions;
 using VornTestbed::HttpResponse;
 using Json = nlohmann::json;
 
-class HostileServerTest : public VornTest::HostileServerFixture {
-protected:
-    // A transfer that never completed: the last URL reports status -1 with what arrived.
-    static void ExpectTransportFailure(const Outcome &outcome)
-    {
-        EXPECT_EQ(outcome.code, -1);
-        const Json response = OnlyResponse(outcome);
-        EXPECT_EQ(response.value("code", 0), -1);
-        EXPECT_EQ(response.value("message", ""), "PostHttpsRequest failed");
-        EXPECT_EQ(response["statistics"].value("req_error_code", ""), "-1");
-    }
-
-    size_t ErrorLines() const { return VornTest::CountLevel(logs_, LOG_ERROR, "VornService"); }
-
-    // The failure that replaces a response the callback cannot carry: the server answered
-    // `status`, and one error line gives the size the response had reached.
-    void ExpectTooLarge(const std::string &response, const std::string &status)
-    {
-        const Json failure = Json::parse(response);
-        EXPECT_EQ(failure.value("code", 0), -1);
-        EXPECT_EQ(failure.value("message", ""), "Response too large");
-        EXPECT_EQ(failure.value("header", "?"), "");
-        EXPECT_EQ(failure.value("body", "?"), "");
-        ASSERT_TRUE(failure.contains("statistics"));
-        EXPECT_EQ(failure["statistics"].value("req_error_code", ""), status);
-        EXPECT_GE(failure["statistics"].value("req_end_time", 0u), failure["statistics"].value("req_start_time", 1u));
-        EXPECT_EQ(ErrorLines(), 1u);
-        EXPECT_EQ(logs_.CountContaining("VornServerLogic response too large: "), 1u);
-    }
-};
+using HostileServerTest = VornTest::HostileServerFixture;
 
 constexpr size_t MAX_RESPONSE_SIZE = OHOS::Vorn::CallbackParcelLimit::MAX_RESPONSE_SIZE;
 

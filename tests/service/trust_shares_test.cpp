@@ -86,6 +86,8 @@ TEST_F(KeptConnectionTest, RequestsInARowShareOneConnectionButEachRouteGetsItsOw
     EXPECT_EQ(Post(bound), 200);
     EXPECT_EQ(Post(bound), 200);
     EXPECT_EQ(server_->Connections(), 2u);
+    bound.interfaceName = "vorn-no-such-if0";
+    EXPECT_EQ(Post(bound), -1);
     // libcurl itself would give the bound connection to a transfer that names no interface.
     EXPECT_EQ(Post(), 200);
     EXPECT_EQ(server_->Connections(), 2u);

@@ -150,17 +150,6 @@ TEST_F(HttpLogicTest, PostWithoutInitFails)
     EXPECT_TRUE(logs.Contains("HttpLogic::PostHttpsRequest, m_pcurl not init, InitHttpLogic must call first"));
 }
 
-TEST_F(HttpLogicTest, BindsToTheRequestedInterface)
-{
-    server_->Respond("/if", HttpResponse::Text(200, "if"));
-    auto info = Request({});
-    info.interfaceName = "lo";
-    EXPECT_EQ(Post(info, Url("/if")).status, 200);
-    info.interfaceName = "vorn-no-such-if0";
-    EXPECT_EQ(Post(info, Url("/if")).status, -1);
-    EXPECT_EQ(server_->RequestCount("/if"), 1u);
-}
-
 TEST_F(HttpLogicTest, TunnelsThroughTheDefaultProxyUnlessExcludedOrBroken)
 {
     server_->Respond("/p", HttpResponse::Text(200, "proxied"));

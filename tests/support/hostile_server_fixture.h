@@ -14,6 +14,7 @@
 #include "engine_fixture.h"
 #include "hilog_host.h"
 #include "local_https_server.h"
+#include "log_lines.h"
 
 namespace VornTest {
 // Requests through the engine against servers that misbehave. The fixture's own server answers
@@ -65,6 +66,34 @@ protected:
         const nlohmann::json response = OnlyResponse(next);
         EXPECT_EQ(response.value("code", 0), 200);
         EXPECT_EQ(response.value("body", ""), "served");
+    }
+
+    // A transfer that never completed: the last URL reports status -1 with what arrived.
+    static void ExpectTransportFailure(const Outcome &outcome)
+    {
+        EXPECT_EQ(outcome.code, -1);
+        const nlohmann::json response = OnlyResponse(outcome);
+        EXPECT_EQ(response.value("code", 0), -1);
+        EXPECT_EQ(response.value("message", ""), "PostHttpsRequest failed");
+        EXPECT_EQ(response["statistics"].value("req_error_code", ""), "-1");
+    }
+
+    size_t ErrorLines() const { return VornTest::CountLevel(logs_, LOG_ERROR, "VornService"); }
+
+    // The failure that replaces a response the callback cannot carry: the server answered
+    // `status`, and one error line gives the size the response had reached.
+    void ExpectTooLarge(const std::string &response, const std::string &status)
+    {
+        const nlohmann::json failure = nlohmann::json::parse(response);
+        EXPECT_EQ(failure.value("code", 0), -1);
+        EXPECT_EQ(failure.value("message", ""), "Response too large");
+        EXPECT_EQ(failure.value("header", "?"), "");
+        EXPECT_EQ(failure.value("body", "?"), "");
+        ASSERT_TRUE(failure.contains("statistics"));
+        EXPECT_EQ(failure["statistics"].value("req_error_code", ""), status);
+        EXPECT_GE(failure["statistics"].value("req_end_time", 0u), failure["statistics"].value("req_start_time", 1u));
+        EXPECT_EQ(ErrorLines(), 1u);
+        EXPECT_EQ(logs_.CountContaining("VornServerLogic response too large: "), 1u);
     }
 
     // A further server with its own certificate (from its own CA) and TLS settings. `request`
