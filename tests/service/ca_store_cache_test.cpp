@@ -11,7 +11,6 @@
 
 namespace {
 using OHOS::Vorn::CaStoreCache;
-using OHOS::Vorn::HttpLogic;
 using VornTestbed::HttpResponse;
 
 class CaStoreCacheTest : public VornTest::TransportFixture {
@@ -27,12 +26,6 @@ protected:
         auto info = OHOS::Vorn::VornInitConfigParser::VornRequestInfo();
         info.caFile = caFile;
         return TransportFixture::Post(info, Url("/x")).status;
-    }
-
-    // A CA file of its own for this test, so that its first use is a load.
-    std::string FreshCopyOfCa(const std::string &name) const
-    {
-        return dir_.WriteFile(name, VornTest::ReadFile(files_.caFile));
     }
 
     static uint64_t Loads() { return CaStoreCache::GetInstance().Loads(); }
@@ -81,7 +74,8 @@ TEST_F(CaStoreCacheTest, KeepsEightStoresAndDropsTheLeastRecentlyUsed)
 
 TEST_F(CaStoreCacheTest, BypassedWhenTheProxySpeaksTls)
 {
-    const std::string caFile = FreshCopyOfCa("bypass.pem");
+    // A CA file of its own for this test, so that its first use is a load.
+    const std::string caFile = dir_.WriteFile("bypass.pem", VornTest::ReadFile(files_.caFile));
     const uint64_t before = Loads();
     {
         VornTest::ScopedEnv tlsProxy("VORN_DEFAULT_HTTP_PROXY", "https://127.0.0.1:1");

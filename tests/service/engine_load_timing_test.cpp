@@ -123,7 +123,11 @@ TEST_F(EngineLoadTimingTest, ManyClientsWithAStalledFirstUrlAreAllAnsweredByTheS
         EXPECT_GE(first, 1000) << "client " << i;
         EXPECT_LE(first, 1600) << "client " << i;
         EXPECT_EQ(arrivals[0].response["body"], "fast") << "client " << i;
+        // The late first URL still answers, after the request has returned.
         EXPECT_GE(MsBetween(client.calledAt, arrivals[1].at), 3000) << "client " << i;
+        EXPECT_LT(client.returnedAt, arrivals[1].at) << "client " << i;
+        EXPECT_EQ(arrivals[1].response["body"], "late") << "client " << i;
+        EXPECT_GE(arrivals[1].response["statistics"]["req_total_time"].get<uint64_t>(), 2900u) << "client " << i;
     }
 }
 

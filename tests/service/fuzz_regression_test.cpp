@@ -32,16 +32,14 @@ void RunOnStack(size_t bytes, const std::function<void()> &body)
     ASSERT_EQ(pthread_attr_init(&attr), 0);
     ASSERT_EQ(pthread_attr_setstacksize(&attr, bytes), 0);
     pthread_t thread;
-    auto *task = new std::function<void()>(body);
+    // The thread is joined before `body` goes out of scope.
     const int rc = pthread_create(
         &thread, &attr,
         [](void *arg) -> void * {
-            auto *fn = static_cast<std::function<void()> *>(arg);
-            (*fn)();
-            delete fn;
+            (*static_cast<const std::function<void()> *>(arg))();
             return nullptr;
         },
-        task);
+        const_cast<std::function<void()> *>(&body));
     pthread_attr_destroy(&attr);
     ASSERT_EQ(rc, 0);
     ASSERT_EQ(pthread_join(thread, nullptr), 0);

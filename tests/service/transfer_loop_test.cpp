@@ -18,13 +18,6 @@ using OHOS::Vorn::CaStoreCache;
 using OHOS::Vorn::TransferLoop;
 using VornTestbed::HttpResponse;
 
-struct EasyDeleter {
-    void operator()(CURL *curl) const { curl_easy_cleanup(curl); }
-};
-struct MultiDeleter {
-    void operator()(CURLM *multi) const { curl_multi_cleanup(multi); }
-};
-
 class TransferLoopTest : public VornTest::TransportFixture {};
 
 // The fixture's CA file is new to the cache, so the transfers race for its first load too.
@@ -55,8 +48,8 @@ TEST_F(TransferLoopTest, ConcurrentTransfersEachGetTheirOwnResponseThroughOneCaS
 
 TEST_F(TransferLoopTest, AHandleTheLoopCannotTakeIsReportedNotRun)
 {
-    std::unique_ptr<CURL, EasyDeleter> curl(curl_easy_init());
-    std::unique_ptr<CURLM, MultiDeleter> elsewhere(curl_multi_init());
+    std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl(curl_easy_init(), &curl_easy_cleanup);
+    std::unique_ptr<CURLM, decltype(&curl_multi_cleanup)> elsewhere(curl_multi_init(), &curl_multi_cleanup);
     ASSERT_NE(curl, nullptr);
     ASSERT_NE(elsewhere, nullptr);
     // A handle can be in one multi handle only.
