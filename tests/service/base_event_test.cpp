@@ -53,13 +53,6 @@ protected:
         return {};
     }
 
-    static size_t KvCountLines(const LogCapture &logs, const std::string &eventId, size_t kvCount)
-    {
-        return VornTest::ServiceLines(logs, LOG_INFO,
-            "OmsaClientCoreInnerApi OnOmsaEvent, eventid:" + eventId +
-                ", content:<private>, kvCount:" + std::to_string(kvCount));
-    }
-
     VornTest::ScopedEnv accept_ {"VORN_OMSA_RESULT", std::nullopt};
     VornTest::ScopedEnv hidePrivate_ {"VORN_HILOG_PRIVATE", std::nullopt};
     VornTest::OmsaLog omsa_;
@@ -88,7 +81,11 @@ TEST_F(EventFlatteningTest, StringMembersBecomePairsUntilTheFirstOtherValue)
         Pairs expected = c.pairs;
         expected["kitUid"] = CALLER_UID_TEXT;
         EXPECT_EQ(Report(eventId, c.content), expected) << c.content;
-        EXPECT_EQ(KvCountLines(logs, eventId, expected.size()), 1u) << c.content;
+        EXPECT_EQ(VornTest::ServiceLines(logs, LOG_INFO,
+                      "OmsaClientCoreInnerApi OnOmsaEvent, eventid:" + eventId +
+                          ", content:<private>, kvCount:" + std::to_string(expected.size())),
+            1u)
+            << c.content;
         EXPECT_EQ(VornTest::CountLevel(logs, LOG_ERROR, "VornCommon"), c.error.empty() ? 0u : 1u) << c.content;
         if (!c.error.empty()) {
             EXPECT_EQ(VornTest::CountAt(logs, LOG_ERROR, "VornCommon", c.error), 1u) << c.content;

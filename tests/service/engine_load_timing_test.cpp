@@ -99,8 +99,6 @@ protected:
         server_->Respond("/hang2", hang);
         server_->Respond("/ok", HttpResponse::Text(200, "fast"));
     }
-
-    HostPlatform::LogCapture logs_;
 };
 
 TEST_F(EngineLoadTimingTest, ManyClientsWithAStalledFirstUrlAreAllAnsweredByTheSecondInTime)
@@ -156,7 +154,7 @@ TEST_F(EngineLoadTimingTest, HangingRequestTimesOutAtTenSecondsWhileOthersAreAns
     const long long jobWait = MsBetween(hanging->calledAt, hanging->returnedAt);
     EXPECT_GE(jobWait, 9950);
     EXPECT_LT(jobWait, 11500);
-    EXPECT_EQ(VornTest::ServiceLines(logs_, LOG_WARN, "VornServerLogic::GetAllServiceUrl futrue wait timeout"), 1u);
+    EXPECT_EQ(Lines(LOG_WARN, "VornServerLogic::GetAllServiceUrl futrue wait timeout"), 1u);
     for (auto &client : timed) {
         EXPECT_LT(client->Arrivals()[0].at, hanging->returnedAt);
     }

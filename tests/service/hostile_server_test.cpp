@@ -180,23 +180,19 @@ TEST_F(HostileServerTest, ABodyThatCannotFitGivesOneTooLargeFailureEvenBeforeThe
     ExpectNextRequestServed();
 }
 
-TEST_F(HostileServerTest, ResponsesGrownTooLargeFromTheRequestAreReplacedByTheFailure)
+TEST_F(HostileServerTest, AResponseGrownTooLargeFromTheRequestIsReplacedByTheFailure)
 {
     // The service list comes back in the synthetic heads, so a request can outgrow the parcel
     // with a server answering nothing at all.
     server_->Respond("/empty", HttpResponse::Text(200, ""));
-    server_->Respond("/short", HttpResponse::Text(200, "s"));
-    for (const char *path : {"/empty", "/short"}) {
-        auto request = Request({Url(path)});
-        request.requestBody = {std::string(MAX_RESPONSE_SIZE, 's')};
-        logs_.Clear();
+    auto request = Request({Url("/empty")});
+    request.requestBody = {std::string(MAX_RESPONSE_SIZE, 's')};
 
-        const Outcome outcome = Run(request);
+    const Outcome outcome = Run(request);
 
-        EXPECT_EQ(outcome.code, -1) << path;
-        ASSERT_EQ(outcome.responses.size(), 1u) << path;
-        ExpectTooLarge(outcome.responses.front(), "200");
-    }
+    EXPECT_EQ(outcome.code, -1);
+    ASSERT_EQ(outcome.responses.size(), 1u);
+    ExpectTooLarge(outcome.responses.front(), "200");
     ExpectNextRequestServed();
 }
 } // namespace

@@ -1,7 +1,5 @@
 #include <chrono>
-#include <fstream>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -66,10 +64,7 @@ protected:
         EXPECT_EQ(server_->RequestCount(PATH), 1u);
         EXPECT_NE(recorder->Responses().front().find(RESPONSE_BODY), std::string::npos);
 
-        std::ifstream in(logFile);
-        std::stringstream content;
-        content << in.rdbuf();
-        return content.str();
+        return VornTest::ReadFile(logFile);
     }
 
     OHOS::sptr<OHOS::Vorn::VornSA> sa_ = new OHOS::Vorn::VornSA(OHOS::Vorn::VORN_SA_ID, false);

@@ -18,11 +18,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr size_t DEVICE_LIKE_WORKERS = 4;
 
-long long MillisSince(Clock::time_point start)
-{
-    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
-}
-
 // Transfers on the task runtime, with fewer running workers than transfers in flight.
 class TransferLoopTimingTest : public VornTest::TransportFixture {
 protected:
@@ -62,7 +57,7 @@ TEST_F(TransferLoopTimingTest, TransfersWaitingForAnswersDoNotHoldWorkers)
     }
     ASSERT_TRUE(HostPlatform::FfrtWaitIdle(30s));
 
-    const long long elapsed = MillisSince(start);
+    const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
     EXPECT_GE(elapsed, 1900);
     EXPECT_LT(elapsed, 5000);
     for (const auto &status : statuses) {

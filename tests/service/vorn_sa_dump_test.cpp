@@ -19,7 +19,6 @@
 #include "raw_service_client.h"
 #include "response_recorder.h"
 #include "scoped_env.h"
-#include "transport_fixture.h"
 #include "vorn_sa.h"
 
 using namespace std::chrono_literals;
@@ -33,16 +32,8 @@ using Counters = std::map<std::string, long long>;
 constexpr int32_t DUMP_SA_ID = 66104;
 
 // Values that only the requests and the event below carry: none may appear in a dump.
-const std::vector<std::string> PRIVATE_TEXTS {
-    "dump-secret-path",
-    "q-secret-query",
-    "X-Dump-Secret",
-    "hdr-secret-value",
-    "body-secret-text",
-    "evt.dump.secret",
-    "content-secret-value",
-    "127.0.0.1",
-};
+const std::vector<std::string> PRIVATE_TEXTS {"dump-secret-path", "q-secret-query", "X-Dump-Secret", "hdr-secret-value",
+    "body-secret-text", "evt.dump.secret", "content-secret-value", "127.0.0.1"};
 
 class VornSADumpTest : public LocalServerFixture {
 protected:

@@ -79,15 +79,11 @@ protected:
         return paths;
     }
 
-    size_t Lines(LogLevel level, const std::string &text) const { return VornTest::ServiceLines(logs_, level, text); }
-
     size_t ErrorLines() const
     {
         return VornTest::CountLevel(logs_, LOG_ERROR, "VornService") +
             VornTest::CountLevel(logs_, LOG_ERROR, "VornCommon");
     }
-
-    HostPlatform::LogCapture logs_;
 };
 
 TEST_F(ServerLogicTest, SuccessResponseCarriesBodyHeadsAndConsistentStatistics)

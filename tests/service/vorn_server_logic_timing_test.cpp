@@ -38,10 +38,6 @@ protected:
         }
         server_->Respond("/ok", HttpResponse::Text(200, "fast"));
     }
-
-    size_t Lines(LogLevel level, const std::string &text) const { return VornTest::ServiceLines(logs_, level, text); }
-
-    HostPlatform::LogCapture logs_;
 };
 
 TEST_F(ServerLogicTimingTest, BudgetStopsTheWalkBeforeTheLastUrl)

@@ -4,12 +4,15 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include <gtest/gtest.h>
 
 #include "ffrt_host.h"
+#include "hilog_host.h"
 #include "https_fixture.h"
 #include "i_vorn_request_callback.h"
+#include "log_lines.h"
 #include "response_recorder.h"
 #include "vorn_server_logic.h"
 
@@ -50,8 +53,11 @@ protected:
         return code;
     }
 
+    size_t Lines(LogLevel level, const std::string &text) const { return ServiceLines(logs_, level, text); }
+
     OHOS::sptr<VornTest::ResponseRecorder> recorder_;
     OHOS::sptr<OHOS::Vorn::IVornRequestCallback> callback_;
+    HostPlatform::LogCapture logs_;
 
 private:
     std::chrono::seconds idleTimeout_;

@@ -112,8 +112,6 @@ protected:
         return *extraServers_.back();
     }
 
-    HostPlatform::LogCapture logs_;
-
 private:
     std::vector<std::unique_ptr<VornTestbed::LocalHttpsServer>> extraServers_;
 };

@@ -1,8 +1,10 @@
 #ifndef VORN_TESTS_SUPPORT_LOCAL_SERVER_FIXTURE_H
 #define VORN_TESTS_SUPPORT_LOCAL_SERVER_FIXTURE_H
 
+#include <fstream>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -39,6 +41,14 @@ private:
     ScopedEnv noAllProxy_ {"ALL_PROXY", std::nullopt};
     ScopedEnv noLowerAllProxy_ {"all_proxy", std::nullopt};
 };
+
+inline std::string ReadFile(const std::string &path)
+{
+    std::ifstream in(path);
+    std::ostringstream content;
+    content << in.rdbuf();
+    return content.str();
+}
 } // namespace VornTest
 
 #endif // VORN_TESTS_SUPPORT_LOCAL_SERVER_FIXTURE_H

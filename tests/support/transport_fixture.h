@@ -2,8 +2,6 @@
 #define VORN_TESTS_SUPPORT_TRANSPORT_FIXTURE_H
 
 #include <cstdint>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -41,14 +39,6 @@ protected:
             logic.GetResponseHeads(), logic.GetResponseBody()};
     }
 };
-
-inline std::string ReadFile(const std::string &path)
-{
-    std::ifstream in(path);
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
-}
 } // namespace VornTest
 
 #endif // VORN_TESTS_SUPPORT_TRANSPORT_FIXTURE_H
