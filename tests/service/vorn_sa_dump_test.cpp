@@ -82,13 +82,9 @@ protected:
 
     std::string RequestFor(const std::string &path) const
     {
-        return nlohmann::json {
-            {"baseUrls", {Url(path)}},
-            {"caFile", files_.caFile},
-            {"requestHeaders", {"X-Dump-Secret: hdr-secret-value"}},
-            {"requestBody", {"body-secret-text"}},
-        }
-            .dump();
+        const nlohmann::json request = {{"baseUrls", {Url(path)}}, {"caFile", files_.caFile},
+            {"requestHeaders", {"X-Dump-Secret: hdr-secret-value"}}, {"requestBody", {"body-secret-text"}}};
+        return request.dump();
     }
 
     // Sends one request and waits until it has been answered and everything it started is done.
