@@ -12,8 +12,6 @@
 #include "ffrt_host.h"
 #include "ffrt_inner.h"
 #include "hilog_host.h"
-#include "ipc_host.h"
-#include "log_lines.h"
 #include "response_recorder.h"
 #include "vorn_server_logic.h"
 #include "vorn_thread.h"

@@ -7,7 +7,6 @@
 #include "engine_fixture.h"
 #include "ffrt_host.h"
 #include "hilog_host.h"
-#include "log_lines.h"
 #include "time_utils.h"
 #include "vorn_server_logic.h"
 
