@@ -205,14 +205,15 @@ TEST(IpcIdentityTest, StubActsAsItsOwnProcessWhenCallingOut)
     EXPECT_EQ(reply.ReadInt32(), static_cast<pid_t>(getuid()));
 }
 
-// A callee that records the numbers it is sent, with the caller's uid and the handling thread;
-// a call carrying `blockOn` waits inside the stub until its gate opens.
+// A callee that records the numbers it is sent, with the caller's uid and the kernel thread that
+// handled each (std::thread ids are reused once a thread exits, kernel tids far less soon); a call
+// carrying `blockOn` is recorded, then waits inside the stub in `blocker`.
 class NumberSink : public IPCObjectStub {
 public:
     struct Entry {
         int32_t number;
         pid_t uid;
-        std::thread::id thread;
+        pid_t thread;
     };
 
     NumberSink() : IPCObjectStub(u"host.test.NumberSink") {}
@@ -220,11 +221,14 @@ public:
     int OnRemoteRequest(uint32_t, MessageParcel &data, MessageParcel &reply, MessageOption &) override
     {
         const int32_t number = data.ReadInt32();
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            entries_.push_back({number, IPCSkeleton::GetCallingUid(), static_cast<pid_t>(syscall(SYS_gettid))});
+        }
+        changed_.notify_all();
         if (number == blockOn) {
             blocker();
         }
-        std::lock_guard<std::mutex> lock(mutex_);
-        entries_.push_back({number, IPCSkeleton::GetCallingUid(), std::this_thread::get_id()});
         reply.WriteInt32(number);
         return ERR_NONE;
     }
@@ -234,12 +238,18 @@ public:
         std::lock_guard<std::mutex> lock(mutex_);
         return entries_;
     }
+    bool WaitEntries(size_t count, std::chrono::milliseconds timeout)
+    {
+        std::unique_lock<std::mutex> lock(mutex_);
+        return changed_.wait_for(lock, timeout, [this, count] { return entries_.size() >= count; });
+    }
 
     int32_t blockOn = -1;
     std::function<void()> blocker;
 
 private:
     std::mutex mutex_;
+    std::condition_variable changed_;
     std::vector<Entry> entries_;
 };
 
@@ -258,6 +268,18 @@ std::vector<int32_t> Numbers(const std::vector<NumberSink::Entry> &entries)
         numbers.push_back(entry.number);
     }
     return numbers;
+}
+
+// The distinct kernel threads the calls to these callees ran on.
+size_t Threads(const std::vector<sptr<NumberSink>> &sinks)
+{
+    std::set<pid_t> threads;
+    for (const sptr<NumberSink> &sink : sinks) {
+        for (const NumberSink::Entry &entry : sink->Entries()) {
+            threads.insert(entry.thread);
+        }
+    }
+    return threads.size();
 }
 
 TEST(IpcOneWayTest, CallerNeverWaitsAndEachObjectGetsItsCallsInOrder)
@@ -293,16 +315,16 @@ TEST(IpcOneWayTest, CallerNeverWaitsAndEachObjectGetsItsCallsInOrder)
     ASSERT_EQ(Send(toBlocked, 1000, MessageOption::TF_SYNC, syncReply), ERR_NONE);
     EXPECT_EQ(syncReply.ReadInt32(), 1000);
     EXPECT_FALSE(HostPlatform::WaitOneWayDelivered(toBlocked, 0ms));
-    EXPECT_EQ(Numbers(blocked->Entries()), std::vector<int32_t> {1000});
+    EXPECT_EQ(Numbers(blocked->Entries()), (std::vector<int32_t> {0, 1000}));
 
     gate.Open();
     ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(toBlocked, 10s));
     const std::vector<NumberSink::Entry> entries = blocked->Entries();
-    expected.insert(expected.begin(), 1000);
+    expected.insert(expected.begin() + 1, 1000);
     EXPECT_EQ(Numbers(entries), expected);
     for (const NumberSink::Entry &entry : entries) {
         EXPECT_EQ(entry.uid, 20010047); // the sender's identity travels with each call
-        EXPECT_NE(entry.thread, std::this_thread::get_id());
+        EXPECT_NE(entry.thread, static_cast<pid_t>(syscall(SYS_gettid)));
     }
 }
 
@@ -339,122 +361,62 @@ TEST(IpcOneWayTest, WaitingForDeliveryFromInsideTheCalleeReturnsAtOnce)
     EXPECT_EQ(waited, 0);
 }
 
-// The kernel threads that calls ran on, across callees.
-class ThreadLog {
-public:
-    void Note()
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        threads_.insert(static_cast<pid_t>(syscall(SYS_gettid)));
-    }
-    size_t Threads()
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        return threads_.size();
-    }
-
-private:
-    std::mutex mutex_;
-    std::set<pid_t> threads_;
-};
-
-// A callee that notes the thread each call runs on and, while `hold` is set, keeps its calls
-// until the gate opens.
-class ThreadNoter : public IPCObjectStub {
-public:
-    explicit ThreadNoter(ThreadLog &log) : IPCObjectStub(u"host.test.ThreadNoter"), log_(log) {}
-
-    int OnRemoteRequest(uint32_t, MessageParcel &, MessageParcel &reply, MessageOption &) override
-    {
-        log_.Note();
-        if (hold) {
-            {
-                std::lock_guard<std::mutex> lock(mutex_);
-                ++held_;
-            }
-            heldChanged_.notify_all();
-            opened_.wait();
-        }
-        reply.WriteInt32(1);
-        return ERR_NONE;
-    }
-
-    void Open() { gate_.set_value(); }
-    bool WaitHeld(int calls, std::chrono::milliseconds timeout)
-    {
-        std::unique_lock<std::mutex> lock(mutex_);
-        return heldChanged_.wait_for(lock, timeout, [this, calls] { return held_ >= calls; });
-    }
-
-    bool hold = false;
-
-private:
-    ThreadLog &log_;
-    std::mutex mutex_;
-    std::condition_variable heldChanged_;
-    int held_ = 0;
-    std::promise<void> gate_;
-    std::shared_future<void> opened_ = gate_.get_future().share();
-};
-
 // The callee's IPC threads are a bounded pool, reused from call to call, whether the calls are
 // synchronous or one-way lanes of many objects.
 TEST(IpcThreadPoolTest, CallsReuseABoundedSetOfThreads)
 {
-    ThreadLog syncLog;
-    sptr<ThreadNoter> sync = new ThreadNoter(syncLog);
+    sptr<NumberSink> sync = new NumberSink();
     sptr<IRemoteObject> toSync = HostPlatform::MakeRemoteProxy(sync);
     for (int i = 0; i < 200; i++) {
         MessageParcel reply;
         ASSERT_EQ(Send(toSync, i, MessageOption::TF_SYNC, reply), ERR_NONE);
     }
-    EXPECT_LE(syncLog.Threads(), 16u);
+    EXPECT_LE(Threads({sync}), 16u);
 
-    ThreadLog laneLog;
-    std::vector<sptr<IRemoteObject>> lanes;
+    std::vector<sptr<NumberSink>> sinks;
     for (int i = 0; i < 50; i++) {
-        lanes.push_back(HostPlatform::MakeRemoteProxy(sptr<ThreadNoter>(new ThreadNoter(laneLog))));
+        sinks.push_back(new NumberSink());
     }
     for (int round = 0; round < 4; round++) {
-        for (const sptr<IRemoteObject> &lane : lanes) {
+        for (const sptr<NumberSink> &sink : sinks) {
             MessageParcel reply;
-            ASSERT_EQ(Send(lane, round, MessageOption::TF_ASYNC, reply), ERR_NONE);
+            ASSERT_EQ(Send(HostPlatform::MakeRemoteProxy(sink), round, MessageOption::TF_ASYNC, reply), ERR_NONE);
         }
     }
-    for (const sptr<IRemoteObject> &lane : lanes) {
-        ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(lane, 10s));
+    for (const sptr<NumberSink> &sink : sinks) {
+        ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(sink, 10s));
     }
-    EXPECT_LE(laneLog.Threads(), 16u);
+    EXPECT_LE(Threads(sinks), 16u);
 }
 
 // More stuck callees than the pool has threads: another callee is still served.
 TEST(IpcThreadPoolTest, CalleesStuckBeyondThePoolDoNotHoldOthers)
 {
-    ThreadLog log;
-    sptr<ThreadNoter> stuck = new ThreadNoter(log);
-    stuck->hold = true;
+    std::promise<void> gate;
+    sptr<NumberSink> stuck = new NumberSink();
+    stuck->blockOn = 0;
+    stuck->blocker = [opened = gate.get_future().share()] { opened.wait(); };
     sptr<IRemoteObject> toStuck = HostPlatform::MakeRemoteProxy(stuck);
-    const int stuckCalls = 20;
+    const size_t stuckCalls = 20;
     std::vector<std::future<int>> callers;
-    for (int i = 0; i < stuckCalls; i++) {
-        callers.push_back(std::async(std::launch::async, [&toStuck, i] {
+    for (size_t i = 0; i < stuckCalls; i++) {
+        callers.push_back(std::async(std::launch::async, [&toStuck] {
             MessageParcel reply;
-            return Send(toStuck, i, MessageOption::TF_SYNC, reply);
+            return Send(toStuck, 0, MessageOption::TF_SYNC, reply);
         }));
     }
     // Every thread of the pool is stuck before the other callee is called.
-    ASSERT_TRUE(stuck->WaitHeld(16, 10s));
-    sptr<ThreadNoter> other = new ThreadNoter(log);
-    sptr<IRemoteObject> toOther = HostPlatform::MakeRemoteProxy(other);
+    ASSERT_TRUE(stuck->WaitEntries(16, 10s));
+    sptr<IRemoteObject> toOther = HostPlatform::MakeRemoteProxy(sptr<NumberSink>(new NumberSink()));
     MessageParcel reply;
-    EXPECT_EQ(Send(toOther, 0, MessageOption::TF_SYNC, reply), ERR_NONE);
+    EXPECT_EQ(Send(toOther, 1, MessageOption::TF_SYNC, reply), ERR_NONE);
     EXPECT_EQ(reply.ReadInt32(), 1);
-    ASSERT_EQ(Send(toOther, 1, MessageOption::TF_ASYNC, reply), ERR_NONE);
+    ASSERT_EQ(Send(toOther, 2, MessageOption::TF_ASYNC, reply), ERR_NONE);
     EXPECT_TRUE(HostPlatform::WaitOneWayDelivered(toOther, 10s));
 
     // The calls queued behind the full pool got threads of their own as well.
-    EXPECT_TRUE(stuck->WaitHeld(stuckCalls, 10s));
-    stuck->Open();
+    EXPECT_TRUE(stuck->WaitEntries(stuckCalls, 10s));
+    gate.set_value();
     for (std::future<int> &caller : callers) {
         EXPECT_EQ(caller.get(), ERR_NONE);
     }
