@@ -92,33 +92,6 @@ protected:
     CertificateFiles files_;
 };
 
-TEST_F(TestbedTest, CertificatesTheClientMustRefuse)
-{
-    auto otherCa = MakeCertificateFiles(dir_.Path("other"));
-    auto sameCa = CertificateAuthority::Create();
-    ASSERT_TRUE(otherCa && sameCa);
-    ASSERT_TRUE(sameCa->WriteCertificate(dir_.Path("ca.pem")));
-    ASSERT_TRUE(
-        sameCa->IssueServerCertificate(CertificateOptions::Expired(), dir_.Path("old.pem"), dir_.Path("old.key")));
-    ASSERT_TRUE(sameCa->IssueServerCertificate(CertificateOptions::ForHost("elsewhere.test"), dir_.Path("host.pem"),
-        dir_.Path("host.key")));
-    struct Case {
-        CertificateFiles served;
-        std::string trustedCa;
-    };
-    const std::vector<Case> cases = {{*otherCa, files_.caFile},
-        {{"", dir_.Path("old.pem"), dir_.Path("old.key")}, dir_.Path("ca.pem")},
-        {{"", dir_.Path("host.pem"), dir_.Path("host.key")}, dir_.Path("ca.pem")}};
-    for (const auto &refused : cases) {
-        auto server = StartServer(ServerOptions::Tls(refused.served));
-        server->Respond("/", HttpResponse::Text(200, "secret"));
-        ClientRequest request = To(server->BaseUrl() + "/");
-        request.caFile = refused.trustedCa;
-        EXPECT_EQ(Perform(request).first, CURLE_PEER_FAILED_VERIFICATION) << refused.served.certFile;
-        EXPECT_EQ(server->RequestCount(), 0U);
-    }
-}
-
 TEST_F(TestbedTest, ConnectProxyTunnelsOnlyToLoopback)
 {
     auto server = StartServer(ServerOptions::Tls(files_));
