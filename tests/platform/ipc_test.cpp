@@ -117,10 +117,16 @@ TEST(MessageParcelTest, ObjectEntriesCannotBeForged)
     EXPECT_EQ(original.ReadRemoteObject(), nullptr); // past the end
 }
 
-TEST(IpcTest, DeadObjectFailsTransactionsAndNotifiesRecipients)
+TEST(IpcTest, UnknownCodesAndADeadObjectFailTransactionsAndDeathNotifiesRecipients)
 {
     sptr<WhoStub> stub = new WhoStub();
     sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub->AsObject());
+    HostPlatform::LogCapture logs;
+    MessageParcel reply;
+    EXPECT_EQ(Call(remote, 99, reply), IPC_STUB_UNKNOW_TRANS_ERR);
+    EXPECT_EQ(logs.CountContaining("unknown code"), 1u);
+    EXPECT_EQ(Call(remote, MAX_TRANSACTION_ID + 1u, reply), IPC_PROXY_INVALID_CODE_ERR);
+
     sptr<CountingRecipient> recipient = new CountingRecipient();
     ASSERT_TRUE(remote->AddDeathRecipient(recipient));
     EXPECT_FALSE(stub->AddDeathRecipient(recipient)); // a local object cannot die remotely
@@ -130,7 +136,6 @@ TEST(IpcTest, DeadObjectFailsTransactionsAndNotifiesRecipients)
     EXPECT_EQ(recipient->deaths, 1);
     EXPECT_EQ(recipient->lastDied, remote.GetRefPtr());
 
-    MessageParcel reply;
     EXPECT_EQ(Call(remote, CODE_WHO, reply), ERR_DEAD_OBJECT);
     EXPECT_TRUE(HostPlatform::MakeRemoteProxy(remote)->IsObjectDead());
     EXPECT_FALSE(remote->AddDeathRecipient(recipient));
@@ -145,17 +150,6 @@ TEST(IpcTest, DeadObjectFailsTransactionsAndNotifiesRecipients)
     EXPECT_FALSE(other->RemoveDeathRecipient(removed));
     HostPlatform::MarkObjectDead(other);
     EXPECT_EQ(removed->deaths, 0);
-}
-
-TEST(IpcTest, UnknownAndOutOfRangeCodes)
-{
-    sptr<WhoStub> stub = new WhoStub();
-    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub->AsObject());
-    HostPlatform::LogCapture logs;
-    MessageParcel reply;
-    EXPECT_EQ(Call(remote, 99, reply), IPC_STUB_UNKNOW_TRANS_ERR);
-    EXPECT_EQ(logs.CountContaining("unknown code"), 1u);
-    EXPECT_EQ(Call(remote, MAX_TRANSACTION_ID + 1u, reply), IPC_PROXY_INVALID_CODE_ERR);
 }
 
 TEST(IpcIdentityTest, StubSeesTheCallersIdentityOnlyDuringTheCallAndOnlyFromItsThread)

@@ -75,11 +75,6 @@ TEST_F(VornctlTest, EventReachesTheAnalyticsClientWithTheGivenUid)
     ASSERT_EQ(reports.size(), 1U);
     EXPECT_EQ(reports[0]["eventId"], "vornctl_test");
     EXPECT_EQ(reports[0]["data"], (nlohmann::json {{"screen", "home"}, {"kitUid", "4321"}}));
-
-    ProcessResult refused = Vornctl({"event", "--caller", "app", event}, options);
-    EXPECT_EQ(refused.exitCode, 3);
-    EXPECT_EQ(Outcome(refused), (Lines {"reply: 2", "result: 2"}));
-    EXPECT_EQ(omsa.Calls("OnEvent").size(), 1U);
 }
 
 TEST_F(VornctlTest, RootHoldsTheServerConfigurationThatRoutesTheRequest)
