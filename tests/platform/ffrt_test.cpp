@@ -185,10 +185,7 @@ TEST(FfrtSyncTest, TimedWaitsRacingNotifiesEachEndOnce)
 
 TEST(FfrtSyncTest, FutureHandsOverValueExceptionOrBrokenPromise)
 {
-    ffrt::packaged_task<int()> throwing([]() -> int { throw std::runtime_error("task failed"); });
-    ffrt::future<int> failed = throwing.get_future();
-    ffrt::submit([task = std::make_shared<ffrt::packaged_task<int()>>(std::move(throwing))] { (*task)(); });
-    EXPECT_THROW(failed.get(), std::runtime_error);
+    EXPECT_THROW(Async([]() -> int { throw std::runtime_error("task failed"); }).get(), std::runtime_error);
 
     ffrt::future<void> abandoned;
     {
