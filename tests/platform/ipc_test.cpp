@@ -4,7 +4,6 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <cstring>
 #include <functional>
 #include <future>
 #include <mutex>
@@ -21,8 +20,6 @@
 #include "ipc_object_stub.h"
 #include "ipc_skeleton.h"
 #include "ipc_types.h"
-#include "iremote_broker.h"
-#include "iremote_stub.h"
 #include "message_option.h"
 #include "message_parcel.h"
 #include "task_gate.h"
@@ -32,192 +29,32 @@ using namespace OHOS;
 using HostPlatform::CallerIdentity;
 using namespace std::chrono_literals;
 
-constexpr uint32_t CODE_WHO = 2;
-constexpr uint32_t CODE_FORWARD_WHO = 3;
-
-class IWho : public IRemoteBroker {
-public:
-    DECLARE_INTERFACE_DESCRIPTOR(u"host.test.IWho");
-};
-
-// Tells who called it, directly or through another object.
-class WhoStub : public IRemoteStub<IWho> {
-public:
-    int OnRemoteRequest(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option) override
-    {
-        if (data.ReadInterfaceToken() != GetDescriptor()) {
-            return ERR_INVALID_DATA;
-        }
-        switch (code) {
-            case CODE_WHO: {
-                uint64_t fullTokenId = IPCSkeleton::GetCallingFullTokenID();
-                reply.WriteUint32(IPCSkeleton::GetCallingTokenID());
-                reply.WriteBuffer(&fullTokenId, sizeof(fullTokenId));
-                reply.WriteInt32(IPCSkeleton::GetCallingUid());
-                return ERR_NONE;
-            }
-            case CODE_FORWARD_WHO: {
-                // Calls on to another object, as a service calling a client back would.
-                MessageParcel forward;
-                forward.WriteInterfaceToken(GetDescriptor());
-                return data.ReadRemoteObject()->SendRequest(CODE_WHO, forward, reply, option);
-            }
-            default:
-                return IPCObjectStub::OnRemoteRequest(code, data, reply, option);
-        }
-    }
-};
-
-class CountingRecipient : public IRemoteObject::DeathRecipient {
-public:
-    void OnRemoteDied(const wptr<IRemoteObject> &object) override
-    {
-        deaths++;
-        lastDied = object.GetRefPtr();
-    }
-    std::atomic<int> deaths {0};
-    IRemoteObject *lastDied = nullptr;
-};
-
-int Call(const sptr<IRemoteObject> &remote, uint32_t code, MessageParcel &reply)
-{
-    MessageParcel data;
-    MessageOption option;
-    data.WriteInterfaceToken(IWho::GetDescriptor());
-    return remote->SendRequest(code, data, reply, option);
-}
-
-CallerIdentity WhoDoesTheStubSee(const sptr<IRemoteObject> &remote)
-{
-    MessageParcel reply;
-    EXPECT_EQ(Call(remote, CODE_WHO, reply), ERR_NONE);
-    CallerIdentity seen {};
-    reply.ReadUint32(seen.tokenId);
-    std::memcpy(&seen.fullTokenId, reply.ReadBuffer(sizeof(seen.fullTokenId)), sizeof(seen.fullTokenId));
-    seen.uid = reply.ReadInt32();
-    return seen;
-}
-
-TEST(MessageParcelTest, ObjectEntriesCannotBeForged)
-{
-    sptr<WhoStub> stub = new WhoStub();
-    MessageParcel original;
-    ASSERT_TRUE(original.WriteRemoteObject(stub->AsObject()));
-    ASSERT_TRUE(original.WriteRemoteObject(nullptr));
-
-    // The same bytes without the side table, as a malicious sender could produce them.
-    MessageParcel forged;
-    ASSERT_TRUE(forged.WriteBuffer(reinterpret_cast<const void *>(original.GetData()), original.GetDataSize()));
-    EXPECT_EQ(forged.ReadRemoteObject(), nullptr);
-
-    sptr<IRemoteObject> received = original.ReadRemoteObject();
-    ASSERT_NE(received, nullptr);
-    EXPECT_TRUE(received->IsProxyObject());
-    EXPECT_EQ(original.ReadRemoteObject(), nullptr); // the null object
-    EXPECT_EQ(original.ReadRemoteObject(), nullptr); // past the end
-}
-
-TEST(IpcTest, UnknownCodesAndADeadObjectFailTransactionsAndDeathNotifiesRecipients)
-{
-    sptr<WhoStub> stub = new WhoStub();
-    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub->AsObject());
-    HostPlatform::LogCapture logs;
-    MessageParcel reply;
-    EXPECT_EQ(Call(remote, 99, reply), IPC_STUB_UNKNOW_TRANS_ERR);
-    EXPECT_EQ(logs.CountContaining("unknown code"), 1u);
-    EXPECT_EQ(Call(remote, MAX_TRANSACTION_ID + 1u, reply), IPC_PROXY_INVALID_CODE_ERR);
-
-    sptr<CountingRecipient> recipient = new CountingRecipient();
-    ASSERT_TRUE(remote->AddDeathRecipient(recipient));
-    EXPECT_FALSE(stub->AddDeathRecipient(recipient)); // a local object cannot die remotely
-
-    HostPlatform::MarkObjectDead(stub->AsObject());
-    EXPECT_TRUE(remote->IsObjectDead());
-    EXPECT_EQ(recipient->deaths, 1);
-    EXPECT_EQ(recipient->lastDied, remote.GetRefPtr());
-
-    EXPECT_EQ(Call(remote, CODE_WHO, reply), ERR_DEAD_OBJECT);
-    EXPECT_TRUE(HostPlatform::MakeRemoteProxy(remote)->IsObjectDead());
-    EXPECT_FALSE(remote->AddDeathRecipient(recipient));
-    HostPlatform::MarkObjectDead(remote); // dying twice notifies once
-    EXPECT_EQ(recipient->deaths, 1);
-
-    sptr<WhoStub> otherStub = new WhoStub(); // the first one is dead now
-    sptr<IRemoteObject> other = HostPlatform::MakeRemoteProxy(otherStub->AsObject());
-    sptr<CountingRecipient> removed = new CountingRecipient();
-    ASSERT_TRUE(other->AddDeathRecipient(removed));
-    ASSERT_TRUE(other->RemoveDeathRecipient(removed));
-    EXPECT_FALSE(other->RemoveDeathRecipient(removed));
-    HostPlatform::MarkObjectDead(other);
-    EXPECT_EQ(removed->deaths, 0);
-}
-
-TEST(IpcIdentityTest, StubSeesTheCallersIdentityOnlyDuringTheCallAndOnlyFromItsThread)
-{
-    sptr<WhoStub> stub = new WhoStub();
-    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub->AsObject());
-
-    CallerIdentity self = WhoDoesTheStubSee(remote);
-    EXPECT_EQ(self.uid, static_cast<pid_t>(getuid()));
-    EXPECT_EQ((self.tokenId >> 27) & 3, 1u); // native
-
-    const CallerIdentity app = HostPlatform::SystemAppCaller(20010042);
-    {
-        HostPlatform::ScopedCallerIdentity scope(app);
-        CallerIdentity seen = WhoDoesTheStubSee(remote);
-        EXPECT_EQ(seen.uid, 20010042);
-        EXPECT_EQ(seen.tokenId, app.tokenId);
-        EXPECT_EQ((seen.tokenId >> 27) & 3, 0u); // HAP
-        EXPECT_EQ(seen.fullTokenId & (1ULL << 32), 1ULL << 32);
-        // Outside a transaction a thread reports itself; another thread is still the process.
-        EXPECT_EQ(IPCSkeleton::GetCallingUid(), 20010042);
-        std::thread([&remote, &self] { EXPECT_EQ(WhoDoesTheStubSee(remote).tokenId, self.tokenId); }).join();
-
-        HostPlatform::ScopedCallerIdentity inner(HostPlatform::AppCaller(20010043));
-        seen = WhoDoesTheStubSee(remote);
-        EXPECT_EQ(seen.uid, 20010043);
-        EXPECT_EQ(seen.fullTokenId & (1ULL << 32), 0u);
-    }
-    EXPECT_EQ(IPCSkeleton::GetCallingTokenID(), self.tokenId);
-}
-
-// A stub calling back out, as the service calls clients, acts as its own process.
-TEST(IpcIdentityTest, StubActsAsItsOwnProcessWhenCallingOut)
-{
-    sptr<WhoStub> service = new WhoStub();
-    sptr<WhoStub> client = new WhoStub();
-    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(service->AsObject());
-    HostPlatform::ScopedCallerIdentity scope(HostPlatform::AppCaller(20010046));
-
-    MessageParcel data;
-    MessageParcel reply;
-    MessageOption option;
-    data.WriteInterfaceToken(IWho::GetDescriptor());
-    data.WriteRemoteObject(client->AsObject());
-    ASSERT_EQ(remote->SendRequest(CODE_FORWARD_WHO, data, reply, option), ERR_NONE);
-    ASSERT_NE(reply.ReadBuffer(12), nullptr); // the tokens
-    EXPECT_EQ(reply.ReadInt32(), static_cast<pid_t>(getuid()));
-}
-
-// A callee that records the numbers it is sent, with the caller's uid and the kernel thread that
-// handled each (std::thread ids are reused once a thread exits, kernel tids far less soon); a call
-// carrying `blockOn` is recorded, then waits inside the stub in `blocker`.
+// A callee that records the numbers it is sent (code 1) with the caller's identity and the kernel
+// thread that handled each (std::thread ids are reused once a thread exits, kernel tids far less
+// soon); a call carrying `blockOn` is recorded, then waits inside the stub in `blocker`. Other
+// codes get the plain stub's answer.
 class NumberSink : public IPCObjectStub {
 public:
     struct Entry {
         int32_t number;
-        pid_t uid;
+        CallerIdentity caller;
         pid_t thread;
     };
 
     NumberSink() : IPCObjectStub(u"host.test.NumberSink") {}
 
-    int OnRemoteRequest(uint32_t, MessageParcel &data, MessageParcel &reply, MessageOption &) override
+    int OnRemoteRequest(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option) override
     {
+        if (code != 1) {
+            return IPCObjectStub::OnRemoteRequest(code, data, reply, option);
+        }
         const int32_t number = data.ReadInt32();
         {
             std::lock_guard<std::mutex> lock(mutex_);
-            entries_.push_back({number, IPCSkeleton::GetCallingUid(), static_cast<pid_t>(syscall(SYS_gettid))});
+            // The skeleton tells no pid.
+            const CallerIdentity caller {IPCSkeleton::GetCallingTokenID(), IPCSkeleton::GetCallingFullTokenID(), 0,
+                IPCSkeleton::GetCallingUid()};
+            entries_.push_back({number, caller, static_cast<pid_t>(syscall(SYS_gettid))});
         }
         changed_.notify_all();
         if (number == blockOn) {
@@ -247,12 +84,20 @@ private:
     std::vector<Entry> entries_;
 };
 
-int Send(const sptr<IRemoteObject> &remote, int32_t number, int flags, MessageParcel &reply)
+int Send(const sptr<IRemoteObject> &remote, int32_t number, int flags, MessageParcel &reply, uint32_t code = 1)
 {
     MessageParcel data;
     data.WriteInt32(number);
     MessageOption option(flags);
-    return remote->SendRequest(1, data, reply, option);
+    return remote->SendRequest(code, data, reply, option);
+}
+
+// Who the callee saw calling, synchronously, from this thread.
+CallerIdentity WhoDoesTheStubSee(const sptr<NumberSink> &sink)
+{
+    MessageParcel reply;
+    EXPECT_EQ(Send(HostPlatform::MakeRemoteProxy(sink), 0, MessageOption::TF_SYNC, reply), ERR_NONE);
+    return sink->Entries().back().caller;
 }
 
 std::vector<int32_t> Numbers(const std::vector<NumberSink::Entry> &entries)
@@ -274,6 +119,112 @@ size_t Threads(const std::vector<sptr<NumberSink>> &sinks)
         }
     }
     return threads.size();
+}
+
+class CountingRecipient : public IRemoteObject::DeathRecipient {
+public:
+    void OnRemoteDied(const wptr<IRemoteObject> &object) override
+    {
+        deaths++;
+        lastDied = object.GetRefPtr();
+    }
+    std::atomic<int> deaths {0};
+    IRemoteObject *lastDied = nullptr;
+};
+
+TEST(MessageParcelTest, ObjectEntriesCannotBeForged)
+{
+    sptr<NumberSink> stub = new NumberSink();
+    MessageParcel original;
+    ASSERT_TRUE(original.WriteRemoteObject(stub));
+    ASSERT_TRUE(original.WriteRemoteObject(nullptr));
+
+    // The same bytes without the side table, as a malicious sender could produce them.
+    MessageParcel forged;
+    ASSERT_TRUE(forged.WriteBuffer(reinterpret_cast<const void *>(original.GetData()), original.GetDataSize()));
+    EXPECT_EQ(forged.ReadRemoteObject(), nullptr);
+
+    sptr<IRemoteObject> received = original.ReadRemoteObject();
+    ASSERT_NE(received, nullptr);
+    EXPECT_TRUE(received->IsProxyObject());
+    EXPECT_EQ(original.ReadRemoteObject(), nullptr); // the null object
+    EXPECT_EQ(original.ReadRemoteObject(), nullptr); // past the end
+}
+
+TEST(IpcTest, UnknownCodesAndADeadObjectFailTransactionsAndDeathNotifiesRecipients)
+{
+    sptr<NumberSink> stub = new NumberSink();
+    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub);
+    HostPlatform::LogCapture logs;
+    MessageParcel reply;
+    EXPECT_EQ(Send(remote, 0, MessageOption::TF_SYNC, reply, 99), IPC_STUB_UNKNOW_TRANS_ERR);
+    EXPECT_EQ(logs.CountContaining("unknown code"), 1u);
+    EXPECT_EQ(Send(remote, 0, MessageOption::TF_SYNC, reply, MAX_TRANSACTION_ID + 1u), IPC_PROXY_INVALID_CODE_ERR);
+
+    sptr<CountingRecipient> recipient = new CountingRecipient();
+    ASSERT_TRUE(remote->AddDeathRecipient(recipient));
+    EXPECT_FALSE(stub->AddDeathRecipient(recipient)); // a local object cannot die remotely
+
+    HostPlatform::MarkObjectDead(stub);
+    EXPECT_TRUE(remote->IsObjectDead());
+    EXPECT_EQ(recipient->deaths, 1);
+    EXPECT_EQ(recipient->lastDied, remote.GetRefPtr());
+
+    EXPECT_EQ(Send(remote, 0, MessageOption::TF_SYNC, reply), ERR_DEAD_OBJECT);
+    EXPECT_TRUE(HostPlatform::MakeRemoteProxy(remote)->IsObjectDead());
+    EXPECT_FALSE(remote->AddDeathRecipient(recipient));
+    HostPlatform::MarkObjectDead(remote); // dying twice notifies once
+    EXPECT_EQ(recipient->deaths, 1);
+
+    sptr<NumberSink> otherStub = new NumberSink(); // the first one is dead now
+    sptr<IRemoteObject> other = HostPlatform::MakeRemoteProxy(otherStub);
+    sptr<CountingRecipient> removed = new CountingRecipient();
+    ASSERT_TRUE(other->AddDeathRecipient(removed));
+    ASSERT_TRUE(other->RemoveDeathRecipient(removed));
+    EXPECT_FALSE(other->RemoveDeathRecipient(removed));
+    HostPlatform::MarkObjectDead(other);
+    EXPECT_EQ(removed->deaths, 0);
+}
+
+TEST(IpcIdentityTest, StubSeesTheCallersIdentityOnlyDuringTheCallAndOnlyFromItsThread)
+{
+    sptr<NumberSink> callee = new NumberSink();
+
+    CallerIdentity self = WhoDoesTheStubSee(callee);
+    EXPECT_EQ(self.uid, static_cast<pid_t>(getuid()));
+    EXPECT_EQ((self.tokenId >> 27) & 3, 1u); // native
+
+    const CallerIdentity app = HostPlatform::SystemAppCaller(20010042);
+    {
+        HostPlatform::ScopedCallerIdentity scope(app);
+        CallerIdentity seen = WhoDoesTheStubSee(callee);
+        EXPECT_EQ(seen.uid, 20010042);
+        EXPECT_EQ(seen.tokenId, app.tokenId);
+        EXPECT_EQ((seen.tokenId >> 27) & 3, 0u); // HAP
+        EXPECT_EQ(seen.fullTokenId & (1ULL << 32), 1ULL << 32);
+        // Outside a transaction a thread reports itself; another thread is still the process.
+        EXPECT_EQ(IPCSkeleton::GetCallingUid(), 20010042);
+        std::thread([&callee, &self] { EXPECT_EQ(WhoDoesTheStubSee(callee).tokenId, self.tokenId); }).join();
+
+        HostPlatform::ScopedCallerIdentity inner(HostPlatform::AppCaller(20010043));
+        seen = WhoDoesTheStubSee(callee);
+        EXPECT_EQ(seen.uid, 20010043);
+        EXPECT_EQ(seen.fullTokenId & (1ULL << 32), 0u);
+    }
+    EXPECT_EQ(IPCSkeleton::GetCallingTokenID(), self.tokenId);
+}
+
+// A stub calling back out, as the service calls clients, acts as its own process.
+TEST(IpcIdentityTest, StubActsAsItsOwnProcessWhenCallingOut)
+{
+    sptr<NumberSink> service = new NumberSink();
+    sptr<NumberSink> client = new NumberSink();
+    service->blockOn = 0;
+    service->blocker = [&client] { WhoDoesTheStubSee(client); };
+    HostPlatform::ScopedCallerIdentity scope(HostPlatform::AppCaller(20010046));
+    EXPECT_EQ(WhoDoesTheStubSee(service).uid, 20010046);
+    ASSERT_EQ(client->Entries().size(), 1u);
+    EXPECT_EQ(client->Entries()[0].caller.uid, static_cast<pid_t>(getuid()));
 }
 
 TEST(IpcOneWayTest, CallerNeverWaitsAndEachObjectGetsItsCallsInOrder)
@@ -317,7 +268,7 @@ TEST(IpcOneWayTest, CallerNeverWaitsAndEachObjectGetsItsCallsInOrder)
     expected.insert(expected.begin() + 1, 1000);
     EXPECT_EQ(Numbers(entries), expected);
     for (const NumberSink::Entry &entry : entries) {
-        EXPECT_EQ(entry.uid, 20010047); // the sender's identity travels with each call
+        EXPECT_EQ(entry.caller.uid, 20010047); // the sender's identity travels with each call
         EXPECT_NE(entry.thread, static_cast<pid_t>(syscall(SYS_gettid)));
     }
 }
