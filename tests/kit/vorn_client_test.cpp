@@ -108,18 +108,6 @@ protected:
         return request;
     }
 
-    // A path whose answer waits until the returned promise is set.
-    std::promise<void> HeldPath(const std::string &path)
-    {
-        std::promise<void> release;
-        std::shared_future<void> released = release.get_future().share();
-        server_->Handle(path, [released](const VornTestbed::HttpRequest &) {
-            released.wait();
-            return VornTestbed::HttpResponse::Text(200, "late answer");
-        });
-        return release;
-    }
-
     sptr<VornSA> service_;
     LogCapture logs_;
 };
@@ -180,7 +168,11 @@ TEST_F(VornClientTest, ResultsAreTheServicesCodesAndAnEventCarriesTheCallersUid)
 // A client whose response window has passed hears of neither the death nor the answer.
 TEST_F(VornClientTest, ServiceDeathMidRequestIsToldOnceInTheWindowAndTheNextCallLoadsItAgain)
 {
-    std::promise<void> release = HeldPath("/held");
+    std::promise<void> release;
+    server_->Handle("/held", [released = release.get_future().share()](const VornTestbed::HttpRequest &) {
+        released.wait();
+        return VornTestbed::HttpResponse::Text(200, "late answer");
+    });
     VornClient client;
     VornClient::Options options;
     options.responseWindow = 0ms;

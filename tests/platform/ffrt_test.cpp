@@ -254,17 +254,16 @@ TEST(FfrtQueueTest, DestroyDropsWaitingTasksAndWaitsForTheRunningOne)
 TEST(FfrtQueueTest, DestroyFromTheQueuesOwnTaskReturns)
 {
     ffrt_queue_t queue = ffrt_queue_create(ffrt_queue_serial, "self-destroy", nullptr);
-    std::promise<void> gate;
-    std::shared_future<void> opened = gate.get_future().share();
+    VornTest::TaskGate gate;
     std::atomic<bool> destroyed {false};
     std::atomic<bool> ranPending {false};
-    SubmitToQueue(queue, [&, opened] {
-        opened.wait();
+    SubmitToQueue(queue, [&, blocker = gate.Blocker()] {
+        blocker();
         ffrt_queue_destroy(queue);
         destroyed = true;
     });
     SubmitToQueue(queue, [&ranPending] { ranPending = true; });
-    gate.set_value();
+    gate.Open();
     ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
     EXPECT_TRUE(destroyed.load());
     EXPECT_FALSE(ranPending.load());

@@ -171,9 +171,6 @@ TEST_F(VornctlTest, SeveralRequestsAreNumberedInArrivalOrderAndExitWithTheWorst)
         EXPECT_EQ(run.exitCode, testCase.exitCode) << run.out << run.err;
         EXPECT_EQ(SplitLines(run.out).size(), testCase.requests.size() - (testCase.exitCode == 2 ? 1 : 0));
     }
-    ProcessResult refused = Vornctl({"request", "--caller", "app", ok, ok});
-    EXPECT_EQ(refused.exitCode, 3);
-    EXPECT_EQ(refused.out, "");
 }
 
 TEST_F(VornctlTest, DumpComesFromTheServiceAndFollowsTheResponses)
