@@ -30,11 +30,6 @@ bool Post(EventHandler &handler, const std::function<void()> &task, const std::s
     return handler.SendEvent(InnerEvent::Get(task, name), delayMs, priority);
 }
 
-bool EventRunnersIdle()
-{
-    return HostPlatform::EventRunnersWaitIdle(0ms);
-}
-
 class EventHandlerTest : public testing::Test {
 protected:
     void TearDown() override { EXPECT_TRUE(EventRunnersWaitIdle(SETTLE_TIMEOUT)); }
@@ -115,16 +110,16 @@ TEST_F(EventHandlerTest, OnlyOwnedAttachedHandlersQueueAndDestroyingOneDropsItsE
     EXPECT_FALSE(Post(*std::make_shared<EventHandler>(), [] {}));
     EventHandler unowned(runner_);
     EXPECT_FALSE(Post(unowned, [] {}));
-    EXPECT_TRUE(EventRunnersIdle());
+    EXPECT_TRUE(EventRunnersWaitIdle(0ms));
     auto shortLived = std::make_shared<EventHandler>(runner_);
     auto token = std::make_shared<int>(0);
     std::weak_ptr<int> captured = token;
     Post(
         *shortLived, [token] {}, "", ONE_HOUR_MS);
     token.reset();
-    EXPECT_FALSE(EventRunnersIdle());
+    EXPECT_FALSE(EventRunnersWaitIdle(0ms));
     shortLived.reset();
-    EXPECT_TRUE(EventRunnersIdle());
+    EXPECT_TRUE(EventRunnersWaitIdle(0ms));
     EXPECT_TRUE(captured.expired());
 }
 

@@ -141,28 +141,9 @@ TEST(FfrtPoolTest, TaskStateFollowsTheTaskAcrossSwitches)
     EXPECT_EQ(wrong.load(), 0);
 }
 
-TEST(FfrtSyncTest, MutexExcludesAcrossSuspendedTasks)
-{
-    constexpr int tasks = 64;
-    constexpr int rounds = 200;
-    ffrt::mutex mutex;
-    int counter = 0;
-    for (int i = 0; i < tasks; ++i) {
-        ffrt::submit([&] {
-            for (int round = 0; round < rounds; ++round) {
-                std::lock_guard<ffrt::mutex> lock(mutex);
-                int seen = counter;
-                ffrt::this_task::yield();
-                counter = seen + 1;
-            }
-        });
-    }
-    ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
-    EXPECT_EQ(counter, tasks * rounds);
-}
-
 // Time-outs and notifies race for the same waiters, from tasks and from a plain thread: every
-// wait ends exactly once, none is lost, and the mutex still excludes.
+// wait ends exactly once, none is lost, and the mutex still excludes, also while a holder is
+// switched out.
 TEST(FfrtSyncTest, TimedWaitsRacingNotifiesEachEndOnce)
 {
     constexpr int waiters = 64;
@@ -183,6 +164,7 @@ TEST(FfrtSyncTest, TimedWaitsRacingNotifiesEachEndOnce)
             if (++inside != 1) {
                 ++overlaps;
             }
+            ffrt::this_task::yield();
             --inside;
             ++ended;
         }
@@ -203,10 +185,7 @@ TEST(FfrtSyncTest, TimedWaitsRacingNotifiesEachEndOnce)
 
 TEST(FfrtSyncTest, FutureHandsOverValueExceptionOrBrokenPromise)
 {
-    ffrt::packaged_task<int()> throwing([]() -> int { throw std::runtime_error("task failed"); });
-    ffrt::future<int> failed = throwing.get_future();
-    ffrt::submit([task = std::make_shared<ffrt::packaged_task<int()>>(std::move(throwing))] { (*task)(); });
-    EXPECT_THROW(failed.get(), std::runtime_error);
+    EXPECT_THROW(Async([]() -> int { throw std::runtime_error("task failed"); }).get(), std::runtime_error);
 
     ffrt::future<void> abandoned;
     {
@@ -275,17 +254,16 @@ TEST(FfrtQueueTest, DestroyDropsWaitingTasksAndWaitsForTheRunningOne)
 TEST(FfrtQueueTest, DestroyFromTheQueuesOwnTaskReturns)
 {
     ffrt_queue_t queue = ffrt_queue_create(ffrt_queue_serial, "self-destroy", nullptr);
-    std::promise<void> gate;
-    std::shared_future<void> opened = gate.get_future().share();
+    VornTest::TaskGate gate;
     std::atomic<bool> destroyed {false};
     std::atomic<bool> ranPending {false};
-    SubmitToQueue(queue, [&, opened] {
-        opened.wait();
+    SubmitToQueue(queue, [&, blocker = gate.Blocker()] {
+        blocker();
         ffrt_queue_destroy(queue);
         destroyed = true;
     });
     SubmitToQueue(queue, [&ranPending] { ranPending = true; });
-    gate.set_value();
+    gate.Open();
     ASSERT_TRUE(FfrtWaitIdle(SETTLE_TIMEOUT));
     EXPECT_TRUE(destroyed.load());
     EXPECT_FALSE(ranPending.load());

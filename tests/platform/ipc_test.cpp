@@ -4,7 +4,6 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <cstring>
 #include <functional>
 #include <future>
 #include <mutex>
@@ -21,8 +20,6 @@
 #include "ipc_object_stub.h"
 #include "ipc_skeleton.h"
 #include "ipc_types.h"
-#include "iremote_broker.h"
-#include "iremote_stub.h"
 #include "message_option.h"
 #include "message_parcel.h"
 #include "task_gate.h"
@@ -32,41 +29,97 @@ using namespace OHOS;
 using HostPlatform::CallerIdentity;
 using namespace std::chrono_literals;
 
-constexpr uint32_t CODE_WHO = 2;
-constexpr uint32_t CODE_FORWARD_WHO = 3;
-
-class IWho : public IRemoteBroker {
+// A callee that records the numbers it is sent (code 1) with the caller's identity and the kernel
+// thread that handled each (std::thread ids are reused once a thread exits, kernel tids far less
+// soon); a call carrying `blockOn` is recorded, then waits inside the stub in `blocker`. Other
+// codes get the plain stub's answer.
+class NumberSink : public IPCObjectStub {
 public:
-    DECLARE_INTERFACE_DESCRIPTOR(u"host.test.IWho");
-};
+    struct Entry {
+        int32_t number;
+        CallerIdentity caller;
+        pid_t thread;
+    };
 
-// Tells who called it, directly or through another object.
-class WhoStub : public IRemoteStub<IWho> {
-public:
+    NumberSink() : IPCObjectStub(u"host.test.NumberSink") {}
+
     int OnRemoteRequest(uint32_t code, MessageParcel &data, MessageParcel &reply, MessageOption &option) override
     {
-        if (data.ReadInterfaceToken() != GetDescriptor()) {
-            return ERR_INVALID_DATA;
+        if (code != 1) {
+            return IPCObjectStub::OnRemoteRequest(code, data, reply, option);
         }
-        switch (code) {
-            case CODE_WHO: {
-                uint64_t fullTokenId = IPCSkeleton::GetCallingFullTokenID();
-                reply.WriteUint32(IPCSkeleton::GetCallingTokenID());
-                reply.WriteBuffer(&fullTokenId, sizeof(fullTokenId));
-                reply.WriteInt32(IPCSkeleton::GetCallingUid());
-                return ERR_NONE;
-            }
-            case CODE_FORWARD_WHO: {
-                // Calls on to another object, as a service calling a client back would.
-                MessageParcel forward;
-                forward.WriteInterfaceToken(GetDescriptor());
-                return data.ReadRemoteObject()->SendRequest(CODE_WHO, forward, reply, option);
-            }
-            default:
-                return IPCObjectStub::OnRemoteRequest(code, data, reply, option);
+        const int32_t number = data.ReadInt32();
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            // The skeleton tells no pid.
+            const CallerIdentity caller {IPCSkeleton::GetCallingTokenID(), IPCSkeleton::GetCallingFullTokenID(), 0,
+                IPCSkeleton::GetCallingUid()};
+            entries_.push_back({number, caller, static_cast<pid_t>(syscall(SYS_gettid))});
+        }
+        changed_.notify_all();
+        if (number == blockOn) {
+            blocker();
+        }
+        reply.WriteInt32(number);
+        return ERR_NONE;
+    }
+
+    std::vector<Entry> Entries()
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        return entries_;
+    }
+    bool WaitEntries(size_t count, std::chrono::milliseconds timeout)
+    {
+        std::unique_lock<std::mutex> lock(mutex_);
+        return changed_.wait_for(lock, timeout, [this, count] { return entries_.size() >= count; });
+    }
+
+    int32_t blockOn = -1;
+    std::function<void()> blocker;
+
+private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::vector<Entry> entries_;
+};
+
+int Send(const sptr<IRemoteObject> &remote, int32_t number, int flags, MessageParcel &reply, uint32_t code = 1)
+{
+    MessageParcel data;
+    data.WriteInt32(number);
+    MessageOption option(flags);
+    return remote->SendRequest(code, data, reply, option);
+}
+
+// Who the callee saw calling, synchronously, from this thread.
+CallerIdentity WhoDoesTheStubSee(const sptr<NumberSink> &sink)
+{
+    MessageParcel reply;
+    EXPECT_EQ(Send(HostPlatform::MakeRemoteProxy(sink), 0, MessageOption::TF_SYNC, reply), ERR_NONE);
+    return sink->Entries().back().caller;
+}
+
+std::vector<int32_t> Numbers(const std::vector<NumberSink::Entry> &entries)
+{
+    std::vector<int32_t> numbers;
+    for (const NumberSink::Entry &entry : entries) {
+        numbers.push_back(entry.number);
+    }
+    return numbers;
+}
+
+// The distinct kernel threads the calls to these callees ran on.
+size_t Threads(const std::vector<sptr<NumberSink>> &sinks)
+{
+    std::set<pid_t> threads;
+    for (const sptr<NumberSink> &sink : sinks) {
+        for (const NumberSink::Entry &entry : sink->Entries()) {
+            threads.insert(entry.thread);
         }
     }
-};
+    return threads.size();
+}
 
 class CountingRecipient : public IRemoteObject::DeathRecipient {
 public:
@@ -79,30 +132,11 @@ public:
     IRemoteObject *lastDied = nullptr;
 };
 
-int Call(const sptr<IRemoteObject> &remote, uint32_t code, MessageParcel &reply)
-{
-    MessageParcel data;
-    MessageOption option;
-    data.WriteInterfaceToken(IWho::GetDescriptor());
-    return remote->SendRequest(code, data, reply, option);
-}
-
-CallerIdentity WhoDoesTheStubSee(const sptr<IRemoteObject> &remote)
-{
-    MessageParcel reply;
-    EXPECT_EQ(Call(remote, CODE_WHO, reply), ERR_NONE);
-    CallerIdentity seen {};
-    reply.ReadUint32(seen.tokenId);
-    std::memcpy(&seen.fullTokenId, reply.ReadBuffer(sizeof(seen.fullTokenId)), sizeof(seen.fullTokenId));
-    seen.uid = reply.ReadInt32();
-    return seen;
-}
-
 TEST(MessageParcelTest, ObjectEntriesCannotBeForged)
 {
-    sptr<WhoStub> stub = new WhoStub();
+    sptr<NumberSink> stub = new NumberSink();
     MessageParcel original;
-    ASSERT_TRUE(original.WriteRemoteObject(stub->AsObject()));
+    ASSERT_TRUE(original.WriteRemoteObject(stub));
     ASSERT_TRUE(original.WriteRemoteObject(nullptr));
 
     // The same bytes without the side table, as a malicious sender could produce them.
@@ -117,28 +151,33 @@ TEST(MessageParcelTest, ObjectEntriesCannotBeForged)
     EXPECT_EQ(original.ReadRemoteObject(), nullptr); // past the end
 }
 
-TEST(IpcTest, DeadObjectFailsTransactionsAndNotifiesRecipients)
+TEST(IpcTest, UnknownCodesAndADeadObjectFailTransactionsAndDeathNotifiesRecipients)
 {
-    sptr<WhoStub> stub = new WhoStub();
-    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub->AsObject());
+    sptr<NumberSink> stub = new NumberSink();
+    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub);
+    HostPlatform::LogCapture logs;
+    MessageParcel reply;
+    EXPECT_EQ(Send(remote, 0, MessageOption::TF_SYNC, reply, 99), IPC_STUB_UNKNOW_TRANS_ERR);
+    EXPECT_EQ(logs.CountContaining("unknown code"), 1u);
+    EXPECT_EQ(Send(remote, 0, MessageOption::TF_SYNC, reply, MAX_TRANSACTION_ID + 1u), IPC_PROXY_INVALID_CODE_ERR);
+
     sptr<CountingRecipient> recipient = new CountingRecipient();
     ASSERT_TRUE(remote->AddDeathRecipient(recipient));
     EXPECT_FALSE(stub->AddDeathRecipient(recipient)); // a local object cannot die remotely
 
-    HostPlatform::MarkObjectDead(stub->AsObject());
+    HostPlatform::MarkObjectDead(stub);
     EXPECT_TRUE(remote->IsObjectDead());
     EXPECT_EQ(recipient->deaths, 1);
     EXPECT_EQ(recipient->lastDied, remote.GetRefPtr());
 
-    MessageParcel reply;
-    EXPECT_EQ(Call(remote, CODE_WHO, reply), ERR_DEAD_OBJECT);
+    EXPECT_EQ(Send(remote, 0, MessageOption::TF_SYNC, reply), ERR_DEAD_OBJECT);
     EXPECT_TRUE(HostPlatform::MakeRemoteProxy(remote)->IsObjectDead());
     EXPECT_FALSE(remote->AddDeathRecipient(recipient));
     HostPlatform::MarkObjectDead(remote); // dying twice notifies once
     EXPECT_EQ(recipient->deaths, 1);
 
-    sptr<WhoStub> otherStub = new WhoStub(); // the first one is dead now
-    sptr<IRemoteObject> other = HostPlatform::MakeRemoteProxy(otherStub->AsObject());
+    sptr<NumberSink> otherStub = new NumberSink(); // the first one is dead now
+    sptr<IRemoteObject> other = HostPlatform::MakeRemoteProxy(otherStub);
     sptr<CountingRecipient> removed = new CountingRecipient();
     ASSERT_TRUE(other->AddDeathRecipient(removed));
     ASSERT_TRUE(other->RemoveDeathRecipient(removed));
@@ -147,40 +186,28 @@ TEST(IpcTest, DeadObjectFailsTransactionsAndNotifiesRecipients)
     EXPECT_EQ(removed->deaths, 0);
 }
 
-TEST(IpcTest, UnknownAndOutOfRangeCodes)
-{
-    sptr<WhoStub> stub = new WhoStub();
-    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub->AsObject());
-    HostPlatform::LogCapture logs;
-    MessageParcel reply;
-    EXPECT_EQ(Call(remote, 99, reply), IPC_STUB_UNKNOW_TRANS_ERR);
-    EXPECT_EQ(logs.CountContaining("unknown code"), 1u);
-    EXPECT_EQ(Call(remote, MAX_TRANSACTION_ID + 1u, reply), IPC_PROXY_INVALID_CODE_ERR);
-}
-
 TEST(IpcIdentityTest, StubSeesTheCallersIdentityOnlyDuringTheCallAndOnlyFromItsThread)
 {
-    sptr<WhoStub> stub = new WhoStub();
-    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(stub->AsObject());
+    sptr<NumberSink> callee = new NumberSink();
 
-    CallerIdentity self = WhoDoesTheStubSee(remote);
+    CallerIdentity self = WhoDoesTheStubSee(callee);
     EXPECT_EQ(self.uid, static_cast<pid_t>(getuid()));
     EXPECT_EQ((self.tokenId >> 27) & 3, 1u); // native
 
     const CallerIdentity app = HostPlatform::SystemAppCaller(20010042);
     {
         HostPlatform::ScopedCallerIdentity scope(app);
-        CallerIdentity seen = WhoDoesTheStubSee(remote);
+        CallerIdentity seen = WhoDoesTheStubSee(callee);
         EXPECT_EQ(seen.uid, 20010042);
         EXPECT_EQ(seen.tokenId, app.tokenId);
         EXPECT_EQ((seen.tokenId >> 27) & 3, 0u); // HAP
         EXPECT_EQ(seen.fullTokenId & (1ULL << 32), 1ULL << 32);
         // Outside a transaction a thread reports itself; another thread is still the process.
         EXPECT_EQ(IPCSkeleton::GetCallingUid(), 20010042);
-        std::thread([&remote, &self] { EXPECT_EQ(WhoDoesTheStubSee(remote).tokenId, self.tokenId); }).join();
+        std::thread([&callee, &self] { EXPECT_EQ(WhoDoesTheStubSee(callee).tokenId, self.tokenId); }).join();
 
         HostPlatform::ScopedCallerIdentity inner(HostPlatform::AppCaller(20010043));
-        seen = WhoDoesTheStubSee(remote);
+        seen = WhoDoesTheStubSee(callee);
         EXPECT_EQ(seen.uid, 20010043);
         EXPECT_EQ(seen.fullTokenId & (1ULL << 32), 0u);
     }
@@ -190,74 +217,14 @@ TEST(IpcIdentityTest, StubSeesTheCallersIdentityOnlyDuringTheCallAndOnlyFromItsT
 // A stub calling back out, as the service calls clients, acts as its own process.
 TEST(IpcIdentityTest, StubActsAsItsOwnProcessWhenCallingOut)
 {
-    sptr<WhoStub> service = new WhoStub();
-    sptr<WhoStub> client = new WhoStub();
-    sptr<IRemoteObject> remote = HostPlatform::MakeRemoteProxy(service->AsObject());
+    sptr<NumberSink> service = new NumberSink();
+    sptr<NumberSink> client = new NumberSink();
+    service->blockOn = 0;
+    service->blocker = [&client] { WhoDoesTheStubSee(client); };
     HostPlatform::ScopedCallerIdentity scope(HostPlatform::AppCaller(20010046));
-
-    MessageParcel data;
-    MessageParcel reply;
-    MessageOption option;
-    data.WriteInterfaceToken(IWho::GetDescriptor());
-    data.WriteRemoteObject(client->AsObject());
-    ASSERT_EQ(remote->SendRequest(CODE_FORWARD_WHO, data, reply, option), ERR_NONE);
-    ASSERT_NE(reply.ReadBuffer(12), nullptr); // the tokens
-    EXPECT_EQ(reply.ReadInt32(), static_cast<pid_t>(getuid()));
-}
-
-// A callee that records the numbers it is sent, with the caller's uid and the handling thread;
-// a call carrying `blockOn` waits inside the stub until its gate opens.
-class NumberSink : public IPCObjectStub {
-public:
-    struct Entry {
-        int32_t number;
-        pid_t uid;
-        std::thread::id thread;
-    };
-
-    NumberSink() : IPCObjectStub(u"host.test.NumberSink") {}
-
-    int OnRemoteRequest(uint32_t, MessageParcel &data, MessageParcel &reply, MessageOption &) override
-    {
-        const int32_t number = data.ReadInt32();
-        if (number == blockOn) {
-            blocker();
-        }
-        std::lock_guard<std::mutex> lock(mutex_);
-        entries_.push_back({number, IPCSkeleton::GetCallingUid(), std::this_thread::get_id()});
-        reply.WriteInt32(number);
-        return ERR_NONE;
-    }
-
-    std::vector<Entry> Entries()
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        return entries_;
-    }
-
-    int32_t blockOn = -1;
-    std::function<void()> blocker;
-
-private:
-    std::mutex mutex_;
-    std::vector<Entry> entries_;
-};
-
-int Send(const sptr<IRemoteObject> &remote, int32_t number, int flags, MessageParcel &reply)
-{
-    MessageParcel data;
-    data.WriteInt32(number);
-    MessageOption option(flags);
-    return remote->SendRequest(1, data, reply, option);
-}
-
-std::vector<int32_t> Numbers(const std::vector<NumberSink::Entry> &entries)
-{
-    std::vector<int32_t> numbers;
-    for (const NumberSink::Entry &entry : entries) {
-        numbers.push_back(entry.number);
-    }
-    return numbers;
+    EXPECT_EQ(WhoDoesTheStubSee(service).uid, 20010046);
+    ASSERT_EQ(client->Entries().size(), 1u);
+    EXPECT_EQ(client->Entries()[0].caller.uid, static_cast<pid_t>(getuid()));
 }
 
 TEST(IpcOneWayTest, CallerNeverWaitsAndEachObjectGetsItsCallsInOrder)
@@ -293,16 +260,16 @@ TEST(IpcOneWayTest, CallerNeverWaitsAndEachObjectGetsItsCallsInOrder)
     ASSERT_EQ(Send(toBlocked, 1000, MessageOption::TF_SYNC, syncReply), ERR_NONE);
     EXPECT_EQ(syncReply.ReadInt32(), 1000);
     EXPECT_FALSE(HostPlatform::WaitOneWayDelivered(toBlocked, 0ms));
-    EXPECT_EQ(Numbers(blocked->Entries()), std::vector<int32_t> {1000});
+    EXPECT_EQ(Numbers(blocked->Entries()), (std::vector<int32_t> {0, 1000}));
 
     gate.Open();
     ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(toBlocked, 10s));
     const std::vector<NumberSink::Entry> entries = blocked->Entries();
-    expected.insert(expected.begin(), 1000);
+    expected.insert(expected.begin() + 1, 1000);
     EXPECT_EQ(Numbers(entries), expected);
     for (const NumberSink::Entry &entry : entries) {
-        EXPECT_EQ(entry.uid, 20010047); // the sender's identity travels with each call
-        EXPECT_NE(entry.thread, std::this_thread::get_id());
+        EXPECT_EQ(entry.caller.uid, 20010047); // the sender's identity travels with each call
+        EXPECT_NE(entry.thread, static_cast<pid_t>(syscall(SYS_gettid)));
     }
 }
 
@@ -339,122 +306,62 @@ TEST(IpcOneWayTest, WaitingForDeliveryFromInsideTheCalleeReturnsAtOnce)
     EXPECT_EQ(waited, 0);
 }
 
-// The kernel threads that calls ran on, across callees.
-class ThreadLog {
-public:
-    void Note()
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        threads_.insert(static_cast<pid_t>(syscall(SYS_gettid)));
-    }
-    size_t Threads()
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        return threads_.size();
-    }
-
-private:
-    std::mutex mutex_;
-    std::set<pid_t> threads_;
-};
-
-// A callee that notes the thread each call runs on and, while `hold` is set, keeps its calls
-// until the gate opens.
-class ThreadNoter : public IPCObjectStub {
-public:
-    explicit ThreadNoter(ThreadLog &log) : IPCObjectStub(u"host.test.ThreadNoter"), log_(log) {}
-
-    int OnRemoteRequest(uint32_t, MessageParcel &, MessageParcel &reply, MessageOption &) override
-    {
-        log_.Note();
-        if (hold) {
-            {
-                std::lock_guard<std::mutex> lock(mutex_);
-                ++held_;
-            }
-            heldChanged_.notify_all();
-            opened_.wait();
-        }
-        reply.WriteInt32(1);
-        return ERR_NONE;
-    }
-
-    void Open() { gate_.set_value(); }
-    bool WaitHeld(int calls, std::chrono::milliseconds timeout)
-    {
-        std::unique_lock<std::mutex> lock(mutex_);
-        return heldChanged_.wait_for(lock, timeout, [this, calls] { return held_ >= calls; });
-    }
-
-    bool hold = false;
-
-private:
-    ThreadLog &log_;
-    std::mutex mutex_;
-    std::condition_variable heldChanged_;
-    int held_ = 0;
-    std::promise<void> gate_;
-    std::shared_future<void> opened_ = gate_.get_future().share();
-};
-
 // The callee's IPC threads are a bounded pool, reused from call to call, whether the calls are
 // synchronous or one-way lanes of many objects.
 TEST(IpcThreadPoolTest, CallsReuseABoundedSetOfThreads)
 {
-    ThreadLog syncLog;
-    sptr<ThreadNoter> sync = new ThreadNoter(syncLog);
+    sptr<NumberSink> sync = new NumberSink();
     sptr<IRemoteObject> toSync = HostPlatform::MakeRemoteProxy(sync);
     for (int i = 0; i < 200; i++) {
         MessageParcel reply;
         ASSERT_EQ(Send(toSync, i, MessageOption::TF_SYNC, reply), ERR_NONE);
     }
-    EXPECT_LE(syncLog.Threads(), 16u);
+    EXPECT_LE(Threads({sync}), 16u);
 
-    ThreadLog laneLog;
-    std::vector<sptr<IRemoteObject>> lanes;
+    std::vector<sptr<NumberSink>> sinks;
     for (int i = 0; i < 50; i++) {
-        lanes.push_back(HostPlatform::MakeRemoteProxy(sptr<ThreadNoter>(new ThreadNoter(laneLog))));
+        sinks.push_back(new NumberSink());
     }
     for (int round = 0; round < 4; round++) {
-        for (const sptr<IRemoteObject> &lane : lanes) {
+        for (const sptr<NumberSink> &sink : sinks) {
             MessageParcel reply;
-            ASSERT_EQ(Send(lane, round, MessageOption::TF_ASYNC, reply), ERR_NONE);
+            ASSERT_EQ(Send(HostPlatform::MakeRemoteProxy(sink), round, MessageOption::TF_ASYNC, reply), ERR_NONE);
         }
     }
-    for (const sptr<IRemoteObject> &lane : lanes) {
-        ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(lane, 10s));
+    for (const sptr<NumberSink> &sink : sinks) {
+        ASSERT_TRUE(HostPlatform::WaitOneWayDelivered(sink, 10s));
     }
-    EXPECT_LE(laneLog.Threads(), 16u);
+    EXPECT_LE(Threads(sinks), 16u);
 }
 
 // More stuck callees than the pool has threads: another callee is still served.
 TEST(IpcThreadPoolTest, CalleesStuckBeyondThePoolDoNotHoldOthers)
 {
-    ThreadLog log;
-    sptr<ThreadNoter> stuck = new ThreadNoter(log);
-    stuck->hold = true;
+    std::promise<void> gate;
+    sptr<NumberSink> stuck = new NumberSink();
+    stuck->blockOn = 0;
+    stuck->blocker = [opened = gate.get_future().share()] { opened.wait(); };
     sptr<IRemoteObject> toStuck = HostPlatform::MakeRemoteProxy(stuck);
-    const int stuckCalls = 20;
+    const size_t stuckCalls = 20;
     std::vector<std::future<int>> callers;
-    for (int i = 0; i < stuckCalls; i++) {
-        callers.push_back(std::async(std::launch::async, [&toStuck, i] {
+    for (size_t i = 0; i < stuckCalls; i++) {
+        callers.push_back(std::async(std::launch::async, [&toStuck] {
             MessageParcel reply;
-            return Send(toStuck, i, MessageOption::TF_SYNC, reply);
+            return Send(toStuck, 0, MessageOption::TF_SYNC, reply);
         }));
     }
     // Every thread of the pool is stuck before the other callee is called.
-    ASSERT_TRUE(stuck->WaitHeld(16, 10s));
-    sptr<ThreadNoter> other = new ThreadNoter(log);
-    sptr<IRemoteObject> toOther = HostPlatform::MakeRemoteProxy(other);
+    ASSERT_TRUE(stuck->WaitEntries(16, 10s));
+    sptr<IRemoteObject> toOther = HostPlatform::MakeRemoteProxy(sptr<NumberSink>(new NumberSink()));
     MessageParcel reply;
-    EXPECT_EQ(Send(toOther, 0, MessageOption::TF_SYNC, reply), ERR_NONE);
+    EXPECT_EQ(Send(toOther, 1, MessageOption::TF_SYNC, reply), ERR_NONE);
     EXPECT_EQ(reply.ReadInt32(), 1);
-    ASSERT_EQ(Send(toOther, 1, MessageOption::TF_ASYNC, reply), ERR_NONE);
+    ASSERT_EQ(Send(toOther, 2, MessageOption::TF_ASYNC, reply), ERR_NONE);
     EXPECT_TRUE(HostPlatform::WaitOneWayDelivered(toOther, 10s));
 
     // The calls queued behind the full pool got threads of their own as well.
-    EXPECT_TRUE(stuck->WaitHeld(stuckCalls, 10s));
-    stuck->Open();
+    EXPECT_TRUE(stuck->WaitEntries(stuckCalls, 10s));
+    gate.set_value();
     for (std::future<int> &caller : callers) {
         EXPECT_EQ(caller.get(), ERR_NONE);
     }
