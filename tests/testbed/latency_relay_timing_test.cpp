@@ -60,12 +60,6 @@ bool ReadsClosed(int fd)
     return received == 0 || (received < 0 && errno != EAGAIN && errno != EWOULDBLOCK);
 }
 
-double Median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 // Servers behind the relay: one echoes every byte until the client's end of stream, then closes;
 // the other waits for one byte, sends a block of a given size and closes.
 class LatencyRelayTest : public ::testing::Test {
@@ -141,14 +135,15 @@ TEST_P(LatencyRelayRttTest, RoundTripTakesOneRttAndConnectingOneMore)
     for (int i = 0; i < 5; ++i) {
         trips.push_back(RoundTripMs(client.Get()));
     }
-    EXPECT_NEAR(Median(trips), rtt, rtt * TOLERANCE);
+    // A busy machine only ever adds time to a trip, so the fastest one measures the relay's delay.
+    const double fastest = *std::min_element(trips.begin(), trips.end());
+    EXPECT_NEAR(fastest, rtt, rtt * TOLERANCE);
     // The handshake adds one round trip. A new connection also starts a thread in the relay and
     // one in the server, which on a busy machine takes milliseconds: only the upper bound allows
     // for that.
-    const double handshake = firstExchange - Median(trips);
+    const double handshake = firstExchange - fastest;
     EXPECT_GE(handshake, rtt * (1 - TOLERANCE));
     EXPECT_LE(handshake, rtt * (1 + TOLERANCE) + THREAD_START_ALLOWANCE_MS);
-    EXPECT_GE(*std::min_element(trips.begin(), trips.end()), rtt * (1 - TOLERANCE));
     EXPECT_EQ(relay_->Connections(), 1U);
 }
 

@@ -165,12 +165,6 @@ void LocalHttpsServer::ClearRequests()
     pathCounts_.clear();
 }
 
-size_t LocalHttpsServer::FailedHandshakes() const
-{
-    std::lock_guard<std::mutex> lock(mutex_);
-    return failedHandshakes_;
-}
-
 size_t LocalHttpsServer::Connections() const
 {
     std::lock_guard<std::mutex> lock(mutex_);
@@ -190,8 +184,6 @@ void LocalHttpsServer::ServeConnection(int fd)
     SocketStream stream(fd, std::move(ssl));
     if (!stream.Handshake()) {
         ERR_clear_error();
-        std::lock_guard<std::mutex> lock(mutex_);
-        ++failedHandshakes_;
         return;
     }
     RequestReader reader(stream);

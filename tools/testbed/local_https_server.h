@@ -66,8 +66,6 @@ public:
     // Waits until at least `count` requests have arrived; false on timeout.
     bool WaitForRequests(size_t count, std::chrono::milliseconds timeout) const;
     void ClearRequests();
-    // TLS handshakes that failed, e.g. because the client rejected the certificate.
-    size_t FailedHandshakes() const;
     // TCP connections accepted so far, whether or not their handshake succeeded.
     size_t Connections() const;
 
@@ -89,7 +87,6 @@ private:
     std::map<std::string, Handler> handlers_;
     std::vector<HttpRequest> requests_;
     std::map<std::string, size_t> pathCounts_;
-    size_t failedHandshakes_ = 0;
     size_t connections_ = 0;
 };
 } // namespace VornTestbed
