@@ -43,7 +43,7 @@ bool EnvironmentNamesHttpsProxy()
 
 // libcurl opens a CA file itself when it reads it; opening a FIFO blocks until someone writes
 // to it, and a device may never end, which would stall the one transfer loop for every client.
-// A name that does not exist is left to libcurl, which reports it as it always did.
+// A name that does not exist is left to libcurl, which fails the transfer with its own code.
 bool NamesSomethingElseThanAFile(const std::string &caFile)
 {
     struct stat info {};
