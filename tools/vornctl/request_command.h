@@ -25,7 +25,7 @@ std::vector<CommandOutcome> RunRequests(const ServiceSession &session, const Com
 int CombinedExitStatus(const std::vector<CommandOutcome> &outcomes);
 
 // What starts the lines answering request `index` (from 0) of `count`: nothing for a single
-// request, so a single answer reads the same as a lone request's, else "N\t" with N from 1.
+// request, whose lines need no number, else "N\t" with N counted from 1.
 std::string LinePrefix(size_t index, size_t count);
 } // namespace Vornctl
 
