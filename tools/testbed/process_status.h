@@ -9,8 +9,8 @@ namespace VornTestbed {
 struct ProcessStatus {
     size_t threads = 0;
     size_t rssKib = 0; // VmRSS
-    size_t hwmKib = 0; // VmHWM: the most resident memory since the process started (or since
-        // the peak was last reset)
+    // VmHWM: the most resident memory since the process started (or since the peak was last reset)
+    size_t hwmKib = 0;
 
     static ProcessStatus Read();
 };
