@@ -3,6 +3,7 @@
 #include <optional>
 #include <regex>
 #include <string>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -168,4 +169,31 @@ TEST_F(HiLogTest, LinesGoToTheFileTheVariableNamesNow)
         testing::ElementsAre(EndsWith("VornService: after removal"), EndsWith("VornService: back")));
     EXPECT_THAT(FileLines(otherPath), testing::ElementsAre(EndsWith("VornService: elsewhere")));
 }
+// Ids are kept between lines; a forked child must still log its own, and its main thread's id
+// is its pid.
+TEST_F(HiLogTest, AForkedChildLogsItsOwnIds)
+{
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "parent");
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "child");
+        _exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+
+    std::vector<std::string> lines = FileLines();
+    ASSERT_EQ(lines.size(), 2U);
+    std::regex ids(R"(^\S+ \S+ +(\d+) +(\d+) I .*: (\w+)$)");
+    std::smatch parent;
+    std::smatch forked;
+    ASSERT_TRUE(std::regex_match(lines[0], parent, ids)) << lines[0];
+    ASSERT_TRUE(std::regex_match(lines[1], forked, ids)) << lines[1];
+    EXPECT_EQ(std::stoi(parent[1].str()), getpid());
+    EXPECT_EQ(std::stoi(forked[1].str()), child);
+    EXPECT_EQ(std::stoi(forked[2].str()), child);
+    EXPECT_EQ(forked[3].str(), "child");
+}
+
 } // namespace

@@ -40,14 +40,18 @@ public:
         Close();
         fd_ = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
         path_ = fd_ >= 0 ? path : "";
+        struct stat status {};
+        regular_ = fd_ >= 0 && fstat(fd_, &status) == 0 && S_ISREG(status.st_mode);
         return fd_;
     }
 
 private:
+    // Only a regular file is removed and made anew under its name; a device such as /dev/null
+    // stays, and asking about it would cost a system call on every line.
     bool Removed() const
     {
         struct stat status {};
-        return fstat(fd_, &status) != 0 || status.st_nlink == 0;
+        return regular_ && (fstat(fd_, &status) != 0 || status.st_nlink == 0);
     }
 
     void Close()
@@ -59,6 +63,7 @@ private:
     }
 
     int fd_ = -1;
+    bool regular_ = false;
     std::string path_;
 };
 

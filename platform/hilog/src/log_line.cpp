@@ -1,6 +1,8 @@
 #include "log_line.h"
 
+#include <atomic>
 #include <cstdio>
+#include <pthread.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -8,6 +10,41 @@ namespace HostPlatform {
 namespace {
 constexpr unsigned int DOMAIN_DIGITS_MASK = 0xFFFFF;
 constexpr long NANOS_PER_MILLI = 1000000;
+
+// Ids are asked of the kernel once per process and thread, not once per line: the system calls
+// cost more than formatting the line. Only a forked child changes them, so fork bumps the
+// generation and clears the pid, and every thread asks again.
+std::atomic<unsigned> g_forkGeneration {0};
+std::atomic<pid_t> g_pid {0};
+
+void ForgetIdsInChild()
+{
+    g_pid.store(0, std::memory_order_relaxed);
+    g_forkGeneration.fetch_add(1, std::memory_order_relaxed);
+}
+
+pid_t ProcessId()
+{
+    static const bool forkWatched = pthread_atfork(nullptr, nullptr, ForgetIdsInChild) == 0;
+    pid_t pid = g_pid.load(std::memory_order_relaxed);
+    if (pid == 0 || !forkWatched) {
+        pid = getpid();
+        g_pid.store(pid, std::memory_order_relaxed);
+    }
+    return pid;
+}
+
+pid_t ThreadId()
+{
+    thread_local unsigned cachedGeneration = 0;
+    thread_local pid_t cachedTid = 0;
+    const unsigned generation = g_forkGeneration.load(std::memory_order_relaxed);
+    if (cachedTid == 0 || cachedGeneration != generation) {
+        cachedTid = static_cast<pid_t>(syscall(SYS_gettid));
+        cachedGeneration = generation;
+    }
+    return cachedTid;
+}
 
 char LevelLetter(LogLevel level)
 {
@@ -50,17 +87,10 @@ char TypeLetter(LogType type)
 
 LogOrigin CurrentLogOrigin()
 {
-    // A thread keeps its id, so it is asked for once per thread (and again in a forked child).
-    thread_local pid_t cachedPid = 0;
-    thread_local pid_t cachedTid = 0;
     LogOrigin origin {};
     clock_gettime(CLOCK_REALTIME, &origin.time);
-    origin.pid = getpid();
-    if (cachedPid != origin.pid) {
-        cachedPid = origin.pid;
-        cachedTid = static_cast<pid_t>(syscall(SYS_gettid));
-    }
-    origin.tid = cachedTid;
+    origin.pid = ProcessId();
+    origin.tid = ThreadId();
     return origin;
 }
 
