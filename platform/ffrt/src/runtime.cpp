@@ -1,6 +1,7 @@
 #include "runtime.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cxxabi.h>
@@ -99,11 +100,34 @@ RuntimeTask *Runtime::Submit(ffrt_function_header_t *f, const ffrt_task_attr_t *
     }
     TaskAttrData data = LoadAttr<TaskAttrData>(attr);
     auto *task = new RuntimeTask(f, queue != nullptr ? queue->qos : ffrt_qos_default, queue, 2);
-    Lock lock(mutex_);
-    task->id = ++nextTaskId_;
-    ++liveTasks_;
-    Schedule(task, std::min(data.delayUs, MAX_DELAY_US));
+    ChangeThenWake([this, task, &data] {
+        task->id = ++nextTaskId_;
+        ++liveTasks_;
+        Schedule(task, std::min(data.delayUs, MAX_DELAY_US));
+    });
     return task;
+}
+
+// Wakes the workers that `change` made work for only once the lock is free: a worker woken
+// while it is still held would at once block on it again, which costs two more thread switches.
+// Waking after unlocking loses nothing, as a worker looks for work under the lock before it waits.
+template <typename Change> void Runtime::ChangeThenWake(Change change)
+{
+    std::array<size_t, GROUP_COUNT> wakes {};
+    {
+        Lock lock(mutex_);
+        wakeLater_ = true;
+        change();
+        wakeLater_ = false;
+        for (size_t index = 0; index < GROUP_COUNT; ++index) {
+            wakes[index] = std::exchange(groups_[index].owedWakes, 0);
+        }
+    }
+    for (size_t index = 0; index < GROUP_COUNT; ++index) {
+        for (size_t woken = 0; woken < wakes[index]; ++woken) {
+            groups_[index].workAvailable.notify_one();
+        }
+    }
 }
 
 void Runtime::Schedule(RuntimeTask *task, uint64_t delayUs)
@@ -176,6 +200,10 @@ void Runtime::Kick(WorkerGroup &group, size_t looking)
     // One waiting worker per task it can start: waking them all would have every idle worker
     // contend for the lock only to find the work taken.
     const size_t toWake = std::min(startable, group.idle);
+    if (wakeLater_) {
+        group.owedWakes += toWake > looking ? toWake - looking : 0;
+        return;
+    }
     for (size_t woken = looking; woken < toWake; ++woken) {
         group.workAvailable.notify_one();
     }
@@ -346,8 +374,7 @@ bool Runtime::Suspend(Waiter &waiter, std::unique_lock<std::mutex> *guard, std::
 
 void Runtime::Resume(RuntimeTask *task)
 {
-    Lock lock(mutex_);
-    ResumeLocked(task);
+    ChangeThenWake([this, task] { ResumeLocked(task); });
 }
 
 // A task still on its way out of its fiber is queued by its worker once it is out.

@@ -98,6 +98,7 @@ private:
         size_t threads = 0; // worker threads alive
         size_t idle = 0; // of those, the ones not running a task (including those still starting)
         size_t running = 0; // tasks holding a running slot
+        size_t owedWakes = 0; // workers to wake once the lock is released
     };
 
     Runtime();
@@ -109,6 +110,7 @@ private:
     void PushToPool(RuntimeTask *task);
     // `looking`: workers of the group about to look for work on their own, not to be woken.
     void Kick(WorkerGroup &group, size_t looking = 0);
+    template <typename Change> void ChangeThenWake(Change change);
     bool SpawnWorker(size_t groupIndex);
     void CountThread(WorkerGroup &group, bool added);
     void EnsureTimer();
@@ -147,6 +149,7 @@ private:
     size_t suspended_ = 0; // switched out in a runtime wait
     uint64_t nextTaskId_ = 0;
     bool timerStarted_ = false;
+    bool wakeLater_ = false; // Kick leaves its wakes to ChangeThenWake
     // When the timer thread wakes on its own; min() while it runs and will look anyway.
     Clock::time_point timerWakesAt_ = Clock::time_point::min();
     std::atomic<bool> queueSubmitBroken_ {false};

@@ -23,6 +23,8 @@ bool IpcThreadPool::Run(std::function<void()> work)
     }
     pending_.push_back(Pending {std::move(work), Clock::now()});
     if (idle_ >= pending_.size()) {
+        // Woken after unlocking, so that the thread does not at once block on the lock again.
+        lock.unlock();
         workArrived_.notify_one();
         return true;
     }

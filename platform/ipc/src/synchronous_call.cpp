@@ -34,9 +34,13 @@ void SynchronousCall::Handle(const std::shared_ptr<SynchronousCall> &call, std::
     // The stub and the request data are let go before the caller learns of the reply, as the
     // callee process would have let go of them by then.
     transaction.reset();
-    std::lock_guard<std::mutex> lock(call->mutex_);
-    call->result_ = result;
-    call->done_ = true;
+    {
+        std::lock_guard<std::mutex> lock(call->mutex_);
+        call->result_ = result;
+        call->done_ = true;
+    }
+    // Woken after unlocking, so that the caller does not at once block on the lock again; the
+    // call is shared, so it outlives a caller that returns first.
     call->answered_.notify_all();
 }
 } // namespace OHOS
