@@ -106,6 +106,10 @@ TEST_F(HiLogTest, MaskedConversionsStillConsumeTheirArgumentsAndLongLinesAreTrun
     ASSERT_EQ(capture.Records().size(), 1u);
     EXPECT_EQ(capture.Records()[0].text, std::string(4095, 'm'));
     EXPECT_EQ(capture.Records()[0].tag, std::string(31, 't'));
+
+    capture.Clear(); // so is a short field that crosses the limit
+    HiLogPrint(LOG_CORE, LOG_INFO, DOMAIN, TAG, "%{public}s%{public}d", std::string(4093, 'm').c_str(), 123);
+    EXPECT_EQ(LoggedText(capture), std::string(4093, 'm') + "12");
 }
 
 TEST_F(HiLogTest, SystemLogOutsideTheSystemDomainsIsDropped)

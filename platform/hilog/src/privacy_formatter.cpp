@@ -15,6 +15,7 @@ constexpr char PRIVATE_QUALIFIER[] = "{private}";
 constexpr char PRIVATE_TEXT[] = "<private>";
 constexpr char FLAG_CHARS[] = "-+ #0'";
 constexpr char CONVERSION_CHARS[] = "diuoxXcspfFeEgGaA%";
+constexpr size_t SHORT_FIELD_BYTES = 128;
 
 enum class Length { NONE, CHAR, SHORT, LONG, LONG_LONG, SIZE, INTMAX, PTRDIFF, LONG_DOUBLE };
 
@@ -72,7 +73,6 @@ PrivacyFormatter::PrivacyFormatter(bool revealPrivate, size_t maxBytes)
 std::string PrivacyFormatter::Format(const char *fmt, va_list *args)
 {
     out_.clear();
-    out_.reserve(maxBytes_ + 1);
     const char *p = fmt;
     while (*p != '\0' && !Full()) {
         const char *percent = std::strchr(p, '%');
@@ -243,10 +243,20 @@ template <typename T> void PrivacyFormatter::AppendFormatted(const Conversion &c
         AppendText(PRIVATE_TEXT, std::strlen(PRIVATE_TEXT));
         return;
     }
-    // snprintf writes straight into the message so that a huge field width costs no more
-    // than the room that is left.
+    // Most fields are short: formatted on the stack, they cost no allocation.
     size_t used = out_.size();
     size_t room = maxBytes_ - used;
+    char field[SHORT_FIELD_BYTES];
+    int length = std::snprintf(field, sizeof(field), conv.directive.c_str(), value);
+    if (length < 0) {
+        return;
+    }
+    if (static_cast<size_t>(length) < sizeof(field)) {
+        out_.append(field, std::min(static_cast<size_t>(length), room));
+        return;
+    }
+    // A longer one is written straight into the message, so that a huge field width costs no
+    // more than the room that is left.
     out_.resize(maxBytes_ + 1);
     int written = std::snprintf(&out_[used], room + 1, conv.directive.c_str(), value);
     out_.resize(written < 0 ? used : used + std::min(static_cast<size_t>(written), room));
