@@ -1,8 +1,6 @@
 #include "ca_store_cache.h"
 
 #include <cstdlib>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 #include <sys/stat.h>
@@ -108,17 +106,17 @@ uint64_t CaStoreCache::Loads() const
 
 // A rewrite in place that keeps the size and falls within the same tick of the file system's
 // clock keeps the key and goes unnoticed; bundles are usually replaced by renaming a new file
-// over the old one, which changes the inode.
+// over the old one, which changes the inode. The path is kept as named: stat() follows links,
+// so a link pointed at another file gives another inode, and resolving every component again
+// would cost a system call each on every transfer.
 std::optional<CaStoreCache::Key> CaStoreCache::MakeKey(const std::string &caFile)
 {
-    std::error_code error;
-    const std::filesystem::path path = std::filesystem::canonical(caFile, error);
     struct stat info {};
-    if (error || stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
+    if (caFile.empty() || stat(caFile.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
         return std::nullopt;
     }
     Key key;
-    key.path = path.string();
+    key.path = caFile;
     key.inode = static_cast<uint64_t>(info.st_ino);
     key.size = static_cast<int64_t>(info.st_size);
     key.modifiedNs = static_cast<int64_t>(info.st_mtim.tv_sec) * NANOSECONDS_PER_SECOND + info.st_mtim.tv_nsec;
