@@ -1,6 +1,5 @@
 #include "fiber.h"
 
-#include <cstdint>
 #include <cstdlib>
 
 #if defined(__has_feature)
@@ -27,10 +26,6 @@
 #endif
 
 namespace HostFfrt {
-namespace {
-constexpr unsigned int HALF_BITS = 32;
-} // namespace
-
 std::unique_ptr<Fiber> Fiber::Create(Entry entry, void *arg)
 {
     std::unique_ptr<TaskStack> stack = StackPool::Instance().Acquire();
@@ -47,14 +42,7 @@ Fiber::Fiber(std::unique_ptr<TaskStack> stack, Entry entry, void *arg)
     // A reused stack still carries the poisoned frames of the task that ended on it.
     ASAN_UNPOISON_MEMORY_REGION(stack_->Base(), stack_->Size());
 #endif
-    getcontext(&context_);
-    context_.uc_stack.ss_sp = stack_->Base();
-    context_.uc_stack.ss_size = stack_->Size();
-    context_.uc_link = nullptr;
-    // makecontext passes only ints; the fiber's address travels in two halves.
-    const auto self = reinterpret_cast<uintptr_t>(this);
-    makecontext(&context_, reinterpret_cast<void (*)()>(&Fiber::Start), 2,
-        static_cast<unsigned int>(static_cast<uint64_t>(self) >> HALF_BITS), static_cast<unsigned int>(self));
+    PrepareFiberContext(context_, stack_->Base(), stack_->Size(), &Fiber::Start, this);
 #ifdef HOST_FFRT_TSAN
     sanitizer_.tsanFiber = __tsan_create_fiber(0);
 #endif
@@ -68,9 +56,9 @@ Fiber::~Fiber()
     StackPool::Instance().Release(std::move(stack_));
 }
 
-void Fiber::Start(unsigned int high, unsigned int low)
+void Fiber::Start(void *self)
 {
-    auto *fiber = reinterpret_cast<Fiber *>((static_cast<uintptr_t>(high) << HALF_BITS) | low);
+    auto *fiber = static_cast<Fiber *>(self);
     fiber->EnterFromScheduler();
     fiber->entry_(fiber->arg_);
     fiber->Exit();
@@ -87,7 +75,7 @@ void Fiber::EnterFromScheduler()
 
 void Fiber::Resume()
 {
-    ucontext_t scheduler;
+    FiberContext scheduler;
     scheduler_ = &scheduler;
 #ifdef HOST_FFRT_ASAN
     void *fakeStack = nullptr;
@@ -97,9 +85,7 @@ void Fiber::Resume()
     sanitizer_.tsanScheduler = __tsan_get_current_fiber();
     __tsan_switch_to_fiber(sanitizer_.tsanFiber, 0);
 #endif
-    if (swapcontext(&scheduler, &context_) != 0) {
-        std::abort();
-    }
+    SwitchFiberContext(scheduler, context_);
 #ifdef HOST_FFRT_ASAN
     __sanitizer_finish_switch_fiber(fakeStack, nullptr, nullptr);
 #endif
@@ -129,8 +115,6 @@ void Fiber::SwitchToScheduler(bool exiting)
 #ifdef HOST_FFRT_TSAN
     __tsan_switch_to_fiber(sanitizer_.tsanScheduler, 0);
 #endif
-    if (swapcontext(&context_, scheduler_) != 0) {
-        std::abort();
-    }
+    SwitchFiberContext(context_, *scheduler_);
 }
 } // namespace HostFfrt

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 #include <memory>
-#include <ucontext.h>
 
+#include "fiber_context.h"
 #include "stack_pool.h"
 
 namespace HostFfrt {
@@ -32,15 +32,15 @@ public:
 
 private:
     Fiber(std::unique_ptr<TaskStack> stack, Entry entry, void *arg);
-    static void Start(unsigned int high, unsigned int low);
+    static void Start(void *fiber);
     void EnterFromScheduler();
     void SwitchToScheduler(bool exiting);
 
     std::unique_ptr<TaskStack> stack_;
     Entry entry_;
     void *arg_;
-    ucontext_t context_ {};
-    ucontext_t *scheduler_ = nullptr; // the context of the scheduler that resumed the fiber last
+    FiberContext context_ {};
+    FiberContext *scheduler_ = nullptr; // the context of the scheduler that resumed the fiber last
     // What the sanitizers need told about each switch; unused in plain builds, hence a plain
     // struct rather than private members a compiler would flag there.
     struct SanitizerState {
