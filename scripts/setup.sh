@@ -7,6 +7,7 @@ packages=(
   libcurl4-openssl-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libssl-dev openssl zlib1g-dev
+  nghttp2-server
   clang
   generate-ninja ccache
 )

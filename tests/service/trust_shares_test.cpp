@@ -1,11 +1,16 @@
+#include <chrono>
 #include <cstdio>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include <curl/curl.h>
 #include <gtest/gtest.h>
 
+#include "background_process.h"
 #include "connect_proxy.h"
 #include "hilog_host.h"
+#include "loopback_socket.h"
 #include "transport_fixture.h"
 #include "trust_shares.h"
 #include "vorn_metrics.h"
@@ -146,5 +151,52 @@ TEST(TrustSharesTest, KeepsEightContextsButNeverDropsOneInUse)
     shares.Release("never-held");
     EXPECT_EQ(shares.Hold("held"), held);
     EXPECT_NE(shares.Hold("idle11"), nullptr);
+}
+// Against an HTTP/2 server (nghttpd, which echoes what is posted), requests of one trust context
+// that run at once are streams of one connection rather than a connection each.
+class MultiplexedConnectionTest : public VornTest::TransportFixture {
+protected:
+    void SetUp() override
+    {
+        TransportFixture::SetUp();
+        uint16_t port = 0;
+        ASSERT_TRUE(VornTestbed::ListenOnLoopback(port).Valid());
+        const std::string log = dir_.Path("nghttpd.log");
+        ASSERT_TRUE(http2Server_.Start({"nghttpd", "--address=127.0.0.1", "--echo-upload", std::to_string(port),
+                                           files_.keyFile, files_.certFile},
+            log));
+        // Listening is the condition; a missing program ends the wait at once.
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!VornTestbed::ConnectToLoopback(port).Valid()) {
+            ASSERT_TRUE(http2Server_.Running()) << "nghttpd ended: " << VornTest::ReadFile(log);
+            ASSERT_LT(std::chrono::steady_clock::now(), deadline) << VornTest::ReadFile(log);
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        url_ = "https://127.0.0.1:" + std::to_string(port) + "/query";
+    }
+
+    VornTestbed::BackgroundProcess http2Server_;
+    std::string url_;
+};
+
+TEST_F(MultiplexedConnectionTest, ConcurrentRequestsOfOneContextShareTheConnection)
+{
+    const uint64_t openedBefore = VornMetrics::Get(VornMetrics::Counter::CONNECTIONS_OPENED);
+    const auto request = Request({});
+    const Outcome first = Post(request, url_);
+    ASSERT_EQ(first.status, 200) << first.heads;
+    EXPECT_EQ(first.body, R"({"services":["alpha","beta"]})");
+
+    constexpr int concurrent = 8;
+    std::vector<long> statuses(concurrent, 0);
+    std::vector<std::thread> clients;
+    for (int i = 0; i < concurrent; ++i) {
+        clients.emplace_back([&, i] { statuses[i] = Post(request, url_).status; });
+    }
+    for (std::thread &client : clients) {
+        client.join();
+    }
+    EXPECT_EQ(statuses, std::vector<long>(concurrent, 200));
+    EXPECT_EQ(VornMetrics::Get(VornMetrics::Counter::CONNECTIONS_OPENED), openedBefore + 1);
 }
 } // namespace
