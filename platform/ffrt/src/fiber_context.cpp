@@ -14,7 +14,7 @@ __attribute__((visibility("hidden"))) void HostFfrtContextStart();
 }
 
 asm(R"(
-    .text
+    .pushsection .text
     .p2align 4
     .globl HostFfrtSwitchContext
     .hidden HostFfrtSwitchContext
@@ -55,6 +55,7 @@ HostFfrtContextStart:
     ud2
     .cfi_endproc
     .size HostFfrtContextStart, .-HostFfrtContextStart
+    .popsection
 )");
 
 namespace HostFfrt {
