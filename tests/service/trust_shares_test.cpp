@@ -164,7 +164,8 @@ protected:
         const std::string log = dir_.Path("nghttpd.log");
         ASSERT_TRUE(http2Server_.Start({"nghttpd", "--address=127.0.0.1", "--echo-upload", std::to_string(port),
                                            files_.keyFile, files_.certFile},
-            log));
+            log))
+            << VornTest::ReadFile(log);
         // Listening is the condition; a missing program ends the wait at once.
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
         while (!VornTestbed::ConnectToLoopback(port).Valid()) {

@@ -15,7 +15,7 @@ public:
     BackgroundProcess(const BackgroundProcess &) = delete;
     BackgroundProcess &operator=(const BackgroundProcess &) = delete;
 
-    // False when the program cannot be started (not installed, say); the reason is in the log.
+    // False when the program cannot be started (not installed, say); the reason is then in the log.
     bool Start(const std::vector<std::string> &argv, const std::string &logFile);
     // Ends the program (SIGTERM, then SIGKILL after a second) and reaps it.
     void Stop();

@@ -76,23 +76,56 @@ std::vector<char *> Pointers(std::vector<std::string> &texts)
     return pointers;
 }
 
-// Waits for the child; kills it once the timeout has passed.
-void Wait(pid_t pid, std::chrono::milliseconds timeout, ProcessResult &result)
+} // namespace
+
+pid_t StartProcess(const std::vector<std::string> &argv, const ProcessOptions &options, const ChildStreams &streams,
+    std::string &error)
+{
+    if (argv.empty()) {
+        error = "no program";
+        return -1;
+    }
+    std::vector<std::string> args = argv;
+    std::vector<std::string> env = Environment(options);
+    std::vector<char *> argPointers = Pointers(args);
+    std::vector<char *> envPointers = Pointers(env);
+    const std::string &program = options.program.empty() ? argv[0] : options.program;
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    const int targets[] = {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
+    const int given[] = {streams.in, streams.out, streams.err};
+    for (size_t i = 0; i < sizeof(targets) / sizeof(targets[0]); ++i) {
+        if (given[i] >= 0) {
+            posix_spawn_file_actions_adddup2(&actions, given[i], targets[i]);
+        }
+    }
+    pid_t pid = 0;
+    int spawned = posix_spawnp(&pid, program.c_str(), &actions, nullptr, argPointers.data(), envPointers.data());
+    posix_spawn_file_actions_destroy(&actions);
+    if (spawned != 0) {
+        error = std::strerror(spawned);
+        return -1;
+    }
+    return pid;
+}
+
+int ReapProcess(pid_t pid, std::chrono::milliseconds timeout, bool &timedOut)
 {
     auto deadline = std::chrono::steady_clock::now() + timeout;
     int status = 0;
+    timedOut = false;
     while (waitpid(pid, &status, WNOHANG) == 0) {
         if (std::chrono::steady_clock::now() > deadline) {
             kill(pid, SIGKILL);
             waitpid(pid, &status, 0);
-            result.timedOut = true;
-            return;
+            timedOut = true;
+            return -1;
         }
         std::this_thread::sleep_for(WAIT_STEP);
     }
-    result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
-} // namespace
 
 ProcessResult RunProcess(const std::vector<std::string> &argv, const ProcessOptions &options)
 {
@@ -104,28 +137,13 @@ ProcessResult RunProcess(const std::vector<std::string> &argv, const ProcessOpti
         result.startError = argv.empty() ? "no program" : "no temporary file";
         return result;
     }
-    std::vector<std::string> args = argv;
-    std::vector<std::string> env = Environment(options);
-    std::vector<char *> argPointers = Pointers(args);
-    std::vector<char *> envPointers = Pointers(env);
-    const std::string &program = options.program.empty() ? argv[0] : options.program;
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, fileno(in.get()), STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, fileno(out.get()), STDOUT_FILENO);
-    if (!options.inheritStderr) {
-        posix_spawn_file_actions_adddup2(&actions, fileno(err.get()), STDERR_FILENO);
-    }
+    ChildStreams streams {fileno(in.get()), fileno(out.get()), options.inheritStderr ? -1 : fileno(err.get())};
     auto start = std::chrono::steady_clock::now();
-    pid_t pid = 0;
-    int spawned = posix_spawn(&pid, program.c_str(), &actions, nullptr, argPointers.data(), envPointers.data());
-    posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0) {
-        result.startError = std::strerror(spawned);
+    pid_t pid = StartProcess(argv, options, streams, result.startError);
+    if (pid < 0) {
         return result;
     }
-    Wait(pid, options.timeout, result);
+    result.exitCode = ReapProcess(pid, options.timeout, result.timedOut);
     result.elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
     result.out = ReadAll(out.get());
     result.err = ReadAll(err.get());

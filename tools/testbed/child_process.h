@@ -4,6 +4,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <sys/types.h>
 #include <utility>
 #include <vector>
 
@@ -28,6 +29,23 @@ struct ProcessResult {
     std::string err;
     std::chrono::milliseconds elapsed {0};
 };
+
+// The standard streams to give a started child: a descriptor, or -1 to let it have ours.
+struct ChildStreams {
+    int in = -1;
+    int out = -1;
+    int err = -1;
+};
+
+// Starts options.program, or else argv[0] (looked up on PATH when it names no directory), with
+// the environment options.env makes of ours; the other options are not read here. The child's
+// pid, or -1 with the reason in `error`.
+pid_t StartProcess(const std::vector<std::string> &argv, const ProcessOptions &options, const ChildStreams &streams,
+    std::string &error);
+
+// Waits for `pid` to end, killing it (SIGKILL) once `timeout` has passed. Its exit code, or -1
+// when it did not exit normally; `timedOut` tells whether it had to be killed.
+int ReapProcess(pid_t pid, std::chrono::milliseconds timeout, bool &timedOut);
 
 // Runs a program to its end (killing it at the timeout), with its output collected in full.
 // Output goes to unlinked temporary files, not pipes, so a child that fills both standard
