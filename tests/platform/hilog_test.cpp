@@ -173,6 +173,7 @@ TEST_F(HiLogTest, LinesGoToTheFileTheVariableNamesNow)
         testing::ElementsAre(EndsWith("VornService: after removal"), EndsWith("VornService: back")));
     EXPECT_THAT(FileLines(otherPath), testing::ElementsAre(EndsWith("VornService: elsewhere")));
 }
+
 // Ids are kept between lines; a forked child must still log its own, and its main thread's id
 // is its pid.
 TEST_F(HiLogTest, AForkedChildLogsItsOwnIds)
@@ -199,5 +200,4 @@ TEST_F(HiLogTest, AForkedChildLogsItsOwnIds)
     EXPECT_EQ(std::stoi(forked[2].str()), child);
     EXPECT_EQ(forked[3].str(), "child");
 }
-
 } // namespace

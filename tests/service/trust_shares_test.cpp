@@ -152,6 +152,7 @@ TEST(TrustSharesTest, KeepsEightContextsButNeverDropsOneInUse)
     EXPECT_EQ(shares.Hold("held"), held);
     EXPECT_NE(shares.Hold("idle11"), nullptr);
 }
+
 // Against an HTTP/2 server (nghttpd, which echoes what is posted), requests of one trust context
 // that run at once are streams of one connection rather than a connection each.
 class MultiplexedConnectionTest : public VornTest::TransportFixture {
@@ -166,7 +167,7 @@ protected:
                                            files_.keyFile, files_.certFile},
             log))
             << VornTest::ReadFile(log);
-        // Listening is the condition; a missing program ends the wait at once.
+        // Listening is the condition; a server that ended ends the wait at once.
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
         while (!VornTestbed::ConnectToLoopback(port).Valid()) {
             ASSERT_TRUE(http2Server_.Running()) << "nghttpd ended: " << VornTest::ReadFile(log);
